@@ -1,0 +1,35 @@
+# The libraries that the program calls, compiled from the sources that set-up fetched. They are not ours, so
+# our warnings don't apply to them.
+set(deps_dir ${CMAKE_SOURCE_DIR}/build/deps)
+if(NOT EXISTS ${deps_dir}/zlib/zlib.h)
+  message(FATAL_ERROR "The library sources are missing: run tools/setup.sh first.")
+endif()
+
+function(add_foreign_library name include_dir)
+  add_library(${name} STATIC ${ARGN})
+  target_include_directories(${name} SYSTEM PUBLIC ${include_dir})
+  target_compile_options(${name} PRIVATE -w)
+endfunction()
+
+add_foreign_library(tinyxml2 ${deps_dir}/tinyxml2 ${deps_dir}/tinyxml2/tinyxml2.cpp)
+
+add_foreign_library(gtest ${deps_dir}/googletest/googletest/include
+  ${deps_dir}/googletest/googletest/src/gtest-all.cc)
+target_include_directories(gtest PRIVATE ${deps_dir}/googletest/googletest)
+add_foreign_library(gtest_main ${deps_dir}/googletest/googletest/include
+  ${deps_dir}/googletest/googletest/src/gtest_main.cc)
+target_link_libraries(gtest_main PUBLIC gtest)
+
+if(WIN32)
+  set(zlib_sources adler32 compress crc32 deflate inffast inflate inftrees trees uncompr zutil)
+  list(TRANSFORM zlib_sources PREPEND ${deps_dir}/zlib/)
+  list(TRANSFORM zlib_sources APPEND .c)
+  add_foreign_library(zlib ${deps_dir}/zlib ${zlib_sources})
+
+  set(minizip_dir ${deps_dir}/zlib/contrib/minizip)
+  # zip.c writes archives; only tests and benchmarks call it, and only they link it in.
+  add_foreign_library(minizip ${minizip_dir}
+    ${minizip_dir}/ioapi.c ${minizip_dir}/iowin32.c ${minizip_dir}/unzip.c ${minizip_dir}/zip.c)
+  target_compile_definitions(minizip PRIVATE UNICODE _UNICODE)
+  target_link_libraries(minizip PUBLIC zlib)
+endif()

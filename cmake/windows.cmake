@@ -1,0 +1,35 @@
+# The program, and the tests that run on Windows.
+file(GLOB_RECURSE windows_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*.cpp)
+list(REMOVE_ITEM windows_sources ${CMAKE_SOURCE_DIR}/src/app/main.cpp)
+foreach(source ${text_sources})
+  list(REMOVE_ITEM windows_sources ${CMAKE_SOURCE_DIR}/${source})
+endforeach()
+
+# All of the program but its entry point, so that tests can link it.
+add_library(zendora STATIC ${windows_sources})
+set_project_options(zendora)
+target_compile_definitions(zendora PRIVATE ZENDORA_SITE_BASE=L"${ZENDORA_SITE_BASE}")
+target_link_libraries(zendora PUBLIC zendora_text minizip
+  advapi32 comctl32 comdlg32 gdi32 ole32 rpcrt4 shell32 shlwapi user32 uuid)
+
+file(GLOB resource_parts CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/res/*)
+set_source_files_properties(${CMAKE_SOURCE_DIR}/res/installer.rc PROPERTIES OBJECT_DEPENDS "${resource_parts}")
+add_library(resources OBJECT ${CMAKE_SOURCE_DIR}/res/installer.rc)
+target_include_directories(resources PRIVATE ${CMAKE_SOURCE_DIR}/res)
+
+add_executable(ZendoraInstaller WIN32 ${CMAKE_SOURCE_DIR}/src/app/main.cpp $<TARGET_OBJECTS:resources>)
+set_project_options(ZendoraInstaller)
+target_link_libraries(ZendoraInstaller PRIVATE zendora)
+target_link_options(ZendoraInstaller PRIVATE -municode)
+
+file(GLOB windows_tests CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/windows/*.cpp ${CMAKE_SOURCE_DIR}/tests/support/*.cpp)
+add_executable(windows_tests ${windows_tests} $<TARGET_OBJECTS:resources>)
+set_project_options(windows_tests)
+target_include_directories(windows_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(windows_tests PRIVATE zendora gtest ws2_32)
+
+file(GLOB program_tests CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/program/*.cpp)
+add_executable(program_tests ${program_tests})
+set_project_options(program_tests)
+target_include_directories(program_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(program_tests PRIVATE zendora gtest_main)

@@ -1,0 +1,3 @@
+#include "app/about_dialog.h"
+
+void AboutDialog() {}

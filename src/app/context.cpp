@@ -1,0 +1,3 @@
+#include "app/context.h"
+
+AppContext& app = *new AppContext;

@@ -1,0 +1,100 @@
+// AppContext: the process-wide state. Each field says who writes it and who reads it; fields without a word about
+// threads are written by start-up, before any other thread exists, and only read afterwards.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "system/handles.h"
+#include "system/shared_state.h"
+
+struct ComponentsPageControls;
+struct InstallPageControls;
+struct UpdaterInfo;
+
+inline constexpr wchar_t kProductTitle[] = L"Zendora Installer";
+inline constexpr char kProductVersion[] = "4.0.8";
+inline constexpr wchar_t kWindowClassName[] = L"Zendora_Installer";
+inline constexpr wchar_t kApplicationId[] = L"app.zendora.installer";
+
+enum Page : int { NoPage = 0, ComponentsPage = 1, InstallPage = 2, ClosingPage = 3 };
+
+// Why the program ends, as the reports tell it.
+enum CloseReason : int {
+  NotEnding = 0,
+  SystemShutdown = 1,
+  ClosedByApplication = 2,
+  CriticalShutdown = 3,
+  LogOff = 4,
+  ClosedByMessage = 5,  // sent from another thread or program
+};
+
+// What a lower subsystem asks a higher one to do. The entry point sets all of them before any other thread exists.
+struct UpwardCalls {
+  // Builds the main menu anew from the current manifest and language. Any thread.
+  void (*buildMainMenu)() = nullptr;
+  // Replaces this program by the announced one. Runs on the calling thread until it has succeeded or given up.
+  void (*runSelfUpdate)(const UpdaterInfo& update) = nullptr;
+};
+
+struct AppContext {
+  // Identity and environment
+  HINSTANCE instance = nullptr;
+  SharedWord<HWND> mainWindow;  // written by the UI thread at creation
+  KernelHandle instanceMutex;   // released by the UI thread when the window is destroyed
+  bool isAdmin = false;
+  bool isWow64 = false;
+  uint32_t osMajor = 0, osMinor = 0, osBuild = 0;
+  std::wstring userAgent;
+  uint32_t startupWaitMs = 0;
+  UpwardCalls upward;
+
+  // Paths; none is longer than kMaxPathLength characters
+  std::wstring registryKeyPath;  // below HKEY_CURRENT_USER
+  std::wstring exePath;
+  std::wstring backupPath;  // what a self-update leaves behind
+  std::wstring appDataPath;
+  std::wstring dataDir;
+  SharedValue<std::wstring> tmpPath;      // also written by the UI thread's folder picker; read by all threads
+  SharedValue<std::wstring> installPath;  // likewise
+  std::wstring manifestPath;              // the cache of the manifest, in the tmpPath of start-up
+  std::wstring commandLine;               // the last one received; UI thread (and the self-update before it closes)
+
+  // Options and selection
+  SharedWord<uint32_t> uiLanguage{LANG_ENGLISH};     // primary language identifier; written by the UI thread
+  SharedValue<std::vector<std::string>> installList;  // written by the UI thread; read by all
+  SharedValue<std::string> selectedSource;            // written by the UI thread and by LoadManifest; read by all
+  std::string uuid;                                   // 36 characters, or empty
+  SharedWord<bool> deleteTmpFiles;                    // written by the UI thread; read by the worker
+  SharedWord<uint32_t> maxDownloadSpeedKB;            // 0 = no limit; written by the UI thread, read by the worker
+  SharedWord<uint32_t> speedLimitBytes;               // maxDownloadSpeedKB * 1024; likewise
+
+  // Window, threads and shutdown
+  SharedWord<int> currentPage{NoPage};  // a Page; written by the UI thread, read by all
+  // The controls of the page that is shown; null while the page doesn't exist. Written by the UI thread, which
+  // replaces a page only when no other thread writes to its controls.
+  SharedWord<ComponentsPageControls*> componentsPage;
+  SharedWord<InstallPageControls*> installPage;
+  KernelHandle manifestThread, workerThread;  // UI thread
+  bool darkModeSupported = false;
+  SharedWord<bool> darkMode;         // UI thread; read by the manifest thread
+  SharedWord<bool> cancelRequested;  // set by the UI thread and the worker, never cleared; polled by all
+  SharedWord<bool> installRunning;   // written by the worker; read by the UI thread
+  SharedWord<uint32_t> closeAttempts;  // written by the UI thread; read by the worker
+  SharedWord<int> closeReason{NotEnding};  // a CloseReason; likewise
+  // A relaunch that the main window performs when it is destroyed. Written by the UI thread, or by the manifest
+  // thread right before it posts WM_CLOSE.
+  SharedWord<bool> restartRequested, restartElevated;
+  std::wstring restartArgs;
+  SharedWord<bool> updateInProgress;   // set by LoadManifest, never cleared; read by the UI thread
+  SharedWord<bool> selectionFromUser;  // installList came from the checked rows; UI thread, read by the worker
+  // Size of the primary screen in pixels, measured when the main window is created.
+  int desktopWidth = 0, desktopHeight = 0;
+};
+
+// Made before the entry point runs and never destroyed, because other threads may outlive the UI thread's last
+// return.
+extern AppContext& app;

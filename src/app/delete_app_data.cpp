@@ -1,0 +1,3 @@
+#include "app/delete_app_data.h"
+
+void DeleteAppData() {}

@@ -1,0 +1,15 @@
+// What start-up finds out about this process and this system, into `app`.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// app.isAdmin: HKEY_LOCAL_MACHINE\SOFTWARE can be opened for writing.
+void ProbeAdministrator();
+
+// app.exePath, backupPath, registryKeyPath, appDataPath, dataDir, manifestPath, isWow64, the system's version and
+// app.userAgent. Application data whose folder names would not fit a path count as missing.
+void ProbeEnvironment();
+
+// The HTTP user agent for the given system.
+std::wstring BuildUserAgent(uint32_t major, uint32_t minor, uint32_t build, bool is64Bit);

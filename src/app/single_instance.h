@@ -1,0 +1,16 @@
+// One instance per session: a second start hands its command line to the first and ends.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+// wParam of the WM_COPYDATA message that forwards a command line: dwData is its length in characters, lpData a
+// buffer of kForwardBufferLength characters that holds it, its terminator and zero fill.
+inline constexpr WPARAM kCopyDataCommandLine = 0xD904;
+inline constexpr size_t kForwardBufferLength = 260;
+
+// True when this process may run (app.instanceMutex is then held, app.startupWaitMs tells how long an ending
+// instance was waited for). False when it must end: the other instance was brought to the front, or it would not go
+// away and the user was told.
+bool ClaimSingleInstance(const std::wstring& commandLine);

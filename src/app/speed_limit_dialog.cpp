@@ -1,0 +1,3 @@
+#include "app/speed_limit_dialog.h"
+
+void SpeedLimitDialog() {}

@@ -1,0 +1,4 @@
+#pragma once
+
+// Lets the user limit the download speed. Modal; UI thread.
+void SpeedLimitDialog();

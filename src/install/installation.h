@@ -1,0 +1,33 @@
+// The state of one installation run. Belongs to the worker thread.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "net/http_client.h"
+#include "net/http_post_client.h"
+#include "net/telemetry_reports.h"
+
+struct Installation {
+  // Copied from `app` at the start
+  std::vector<std::string> installList;
+  std::wstring installPath, tmpPath;
+  std::string selectedSource;
+  uint32_t initialLimitKB = 0;
+  uint64_t startTick = 0;
+
+  // Folders of games that are already there and are to be reinstalled in place, by package identifier.
+  std::map<std::string, std::wstring> existingFolders;
+
+  std::string installedList;  // identifiers joined by ",": first all of the run, then those that were installed
+  std::string errorRecords;   // of the current phase
+  PackageStats packageStats;
+  bool manifestRefreshed = false;
+  uint64_t upsizeTotal = 0;  // sum of the packages' upsize
+  uint64_t upsizeDone = 0;   // sum over the packages that the install phase is done with
+
+  HttpClient downloads;
+  HttpPostClient reports;
+};

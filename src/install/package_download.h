@@ -1,0 +1,22 @@
+// Bringing one package file into the folder for temporary files, and proving it.
+#pragma once
+
+#include <string>
+
+#include "install/installation.h"
+#include "manifest/manifest_model.h"
+
+enum class DownloadOutcome {
+  Done,         // the file is there and right
+  Redo,         // the manifest was fetched again: the same place of the list once more, with the new package
+  FailedRetry,  // every source failed and the user wants to try again
+  FailedStop,   // every source failed and the user gave up; app.cancelRequested is set
+  Cancelled,
+};
+
+// Downloads package number `index` (from 0) of `count`. Worker.
+DownloadOutcome DownloadPackage(Installation& run, const Package& package, size_t index, size_t count);
+
+// The file in the run's folder for temporary files, and its resume record.
+std::wstring PackageFilePath(const Installation& run, const std::string& filename);
+std::wstring StatRecordPath(const std::wstring& packageFilePath);

@@ -1,0 +1,3 @@
+#include "manifest/browse_for_path.h"
+
+bool BrowseForPath(HWND, BrowseMode) { return false; }

@@ -1,0 +1,22 @@
+// The rows of the components page: row i stands for entry i of the manifest's packageOrder.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// Fills the list, the menu of download sources and the total, and enables Install. Nothing unless the components page
+// is shown. Manifest thread.
+void PopulateComponentList();
+
+// Rewrites the total size of the checked rows, in the UI language. Nothing while the list is being filled. UI thread,
+// and the manifest thread at the end of PopulateComponentList.
+void UpdateTotalSize();
+
+// Checks this row and no other; -1 unchecks all. UI thread.
+void CheckOnlyComponent(int row);
+
+// Identifiers of the checked rows, in row order. UI thread.
+std::vector<std::string> CheckedComponents();
+
+// The hover text of a row; empty when there is none. UI thread.
+std::wstring ComponentTooltip(int row);

@@ -1,0 +1,61 @@
+// GET requests over WinINet. Every call blocks its thread; an instance belongs to the thread that made it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "net/wininet_api.h"
+
+// What became of a transfer. `error` is read where the failure happened and 0 when the body ended regularly or the
+// server answered with another status than 200 and 206.
+struct HttpResult {
+  uint32_t error = 0;       // Win32 or WinINet code
+  bool cancelled = false;   // the progress callback asked to stop
+  uint64_t total = 0;       // body length announced for this response, 0 when none was
+  uint32_t statusCode = 0;  // 0 when there was no response
+  uint64_t received = 0;    // body bytes
+};
+
+// Handed to the callback of DownloadToFile: once before the file is touched, with `transferStartTick` and
+// `downloaded` 0, and after every written chunk. The callback must not keep the pointer.
+struct DownloadProgress {
+  uint64_t transferStartTick = 0;  // GetTickCount64 right before the file is opened
+  uint32_t speedLimit = 0;         // bytes per second; the callback may change it (not in its first call)
+  uint64_t total = 0;              // as in HttpResult
+  uint64_t downloaded = 0;         // bytes of the file that are there: resume offset and received bytes
+  bool cancel = false;             // set by the callback to stop
+};
+using DownloadProgressCallback = void (*)(DownloadProgress*);
+
+class HttpClient {
+ public:
+  // Uses app.userAgent. A failure shows in the first transfer.
+  HttpClient();
+
+  // Bytes per second, 0 = no limit.
+  void SetSpeedLimit(uint32_t bytesPerSecond) { speedLimit_ = bytesPerSecond; }
+  // Whether transfers from byte 0 ask for gzip (WinINet decodes it). On at first; a body that can't be decoded turns
+  // it off for good.
+  void SetGzipEnabled(bool enabled) { gzipEnabled_ = enabled; }
+
+  // Appends the body to `body`, which is emptied first only where a body is fetched a second time without gzip.
+  HttpResult GetToStream(const std::wstring& url, std::string& body);
+
+  // Stores the body in a file, from byte `resumeOffset` on; a server that ignores the range replaces the whole file.
+  // `callback` may be null. Nothing is deleted on failure, so that a later call can resume. A write that fails ends
+  // the transfer with its error.
+  HttpResult DownloadToFile(const std::wstring& url, const std::wstring& path, uint64_t resumeOffset,
+                            DownloadProgressCallback callback);
+
+ private:
+  // Both leave the thread's last error where they fail.
+  InternetHandle OpenRequest(const std::wstring& url, uint64_t rangeStart);
+  bool EnsureSession();
+
+  std::wstring userAgent_;
+  bool gzipEnabled_ = true;
+  uint32_t speedLimit_ = 0;
+  // Closed in the reverse order: a transfer's connection before the session.
+  InternetHandle session_;
+  InternetHandle connection_;
+};

@@ -1,0 +1,15 @@
+// Starting other programs, and repairing the permissions of the application-data folders.
+#pragma once
+
+#include <string>
+
+// Starts a program without waiting for it, elevated through the consent prompt or normally. True when it was started;
+// otherwise, with `reportFailure`, a message box without owner has told why.
+bool RunProcess(bool elevated, bool reportFailure, const std::wstring& file, const std::wstring& parameters);
+
+// Grants the user and the built-in Users group full control of the application-data folders, with an elevated icacls,
+// and waits for its end. False only when it could not be started.
+bool RepairPermissions();
+
+// The command line that RepairPermissions gives to the command interpreter.
+std::wstring BuildRepairParameters(const std::wstring& appDataPath, const std::wstring& userName);

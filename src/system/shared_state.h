@@ -1,0 +1,34 @@
+// Single words and values that one thread writes and others read, without locks.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <utility>
+
+// One word. Reads and writes are relaxed: readers poll it, nothing else is ordered by it.
+template <typename T>
+class SharedWord {
+ public:
+  SharedWord() = default;
+  explicit SharedWord(T value) : value_(value) {}
+  SharedWord& operator=(T value) {
+    value_.store(value, std::memory_order_relaxed);
+    return *this;
+  }
+  operator T() const { return value_.load(std::memory_order_relaxed); }
+  void Add(T amount) { value_.fetch_add(amount, std::memory_order_relaxed); }
+
+ private:
+  std::atomic<T> value_{};
+};
+
+// A larger value. Writers replace it whole; a reader keeps the value it got, whatever is written meanwhile.
+template <typename T>
+class SharedValue {
+ public:
+  std::shared_ptr<const T> Get() const { return value_.load(); }
+  void Set(T value) { value_.store(std::make_shared<const T>(std::move(value))); }
+
+ private:
+  std::atomic<std::shared_ptr<const T>> value_{std::make_shared<const T>()};
+};

@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# Builds one preset: release (the default), debug or native.
+source "$(dirname "$0")/common.sh"
+
+preset=${1:-release}
+[ -e "$build/$preset/build.ninja" ] || cmake -S "$root" --preset "$preset" >/dev/null
+cmake --build "$build/$preset"

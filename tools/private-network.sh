@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Runs a command in a network of its own: nothing but a loopback interface, on which zendora.example lives and every
+# port is free. What runs inside can't reach anything outside, and nothing outside sees it.
+#   tools/private-network.sh COMMAND [ARGUMENT...]
+source "$(dirname "$0")/common.sh"
+
+if [ "${ZENDORA_PRIVATE_NETWORK:-}" != inside ]; then
+  rights=()
+  [ "$(id -u)" -eq 0 ] || rights=(--map-root-user)
+  ZENDORA_PRIVATE_NETWORK=inside exec unshare "${rights[@]}" --net --mount -- "$0" "$@"
+fi
+
+ip link set lo up
+hosts=$build/hosts
+printf '127.0.0.1 localhost zendora.example mirror.zendora.example\n' >"$hosts.$$"
+mount --bind "$hosts.$$" /etc/hosts
+rm -f "$hosts.$$"
+exec "$@"

@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# Fetches the sources of the libraries into build/deps. The build compiles them with the program, with its own
+# flags; nothing of them enters the repository.
+source "$(dirname "$0")/common.sh"
+
+# Name of the source package, and the version that its unpacked folder ends with (but for "+dfsg").
+libraries=(zlib=1.3.1 tinyxml2=11.0.0 googletest=1.16.0)
+# The release that carries these versions.
+release=trixie
+
+missing=()
+for library in "${libraries[@]}"; do
+  [ -e "$deps/${library%%=*}/.complete" ] || missing+=("$library")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+say "fetching library sources"
+mkdir -p "$deps/apt/lists/partial" "$deps/apt/archives/partial"
+log=$build/setup-libraries.log
+codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
+# shellcheck disable=SC2016 # apt expands these names itself
+repository=$(apt-get indextargets --format '$(RELEASE) $(REPO_URI)' 'Created-By: Packages' |
+  awk -v suite="$codename" '$1 == suite { print $2; exit }')
+[ -n "$repository" ] || die "no package source for Debian \"$codename\" is configured on this machine"
+echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $repository $release main" >"$deps/apt/sources.list"
+
+# Lists and archives of its own, so that the machine's package state stays as it is and no root is needed.
+source_apt() {
+  apt-get -q -o "Dir::Etc::sourcelist=$deps/apt/sources.list" -o "Dir::Etc::sourceparts=-" \
+    -o "Dir::State::lists=$deps/apt/lists" -o "Dir::Cache=$deps/apt" -o "Dir::Cache::archives=$deps/apt/archives" \
+    -o APT::Sandbox::User=root -o Acquire::Retries=3 "$@" >>"$log" 2>&1
+}
+
+: >"$log"
+source_apt update || die "the list of library sources could not be fetched (is the network there?); see $log"
+for library in "${missing[@]}"; do
+  name=${library%%=*} version=${library#*=}
+  work=$(mktemp -d -p "$deps")
+  (cd "$work" && source_apt source "$name") || die "the source of $name could not be fetched; see $log"
+  folder=$(find "$work" -mindepth 1 -maxdepth 1 -type d)
+  [[ ${folder%+dfsg} == *"$version" ]] || die "the source of $name is not version $version but $(basename "$folder")"
+  rm -rf "${deps:?}/$name"
+  mv "$folder" "$deps/$name"
+  touch "$deps/$name/.complete"
+  rm -rf "$work"
+done

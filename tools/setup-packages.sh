@@ -1,0 +1,69 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, testing and running need. Skips everything when all are there.
+source "$(dirname "$0")/common.sh"
+
+packages=(
+  # the cross compiler and the build
+  g++ g++-mingw-w64-i686-posix binutils-mingw-w64-i686 cmake ninja-build dpkg-dev ca-certificates
+  # the linters
+  clang-format clang-tidy cppcheck shellcheck
+  # Wine, with both word sizes and TLS for each
+  wine wine64 wine32:i386 libgnutls30 libgnutls30:i386
+  # a virtual display, and the means to photograph it
+  xvfb xdotool imagemagick fonts-wine fonts-liberation fonts-dejavu-core
+  # the demo site and its private network
+  nginx-light openssl iproute2 util-linux python3 zip unzip
+)
+
+all_installed() {
+  local states
+  states=$(dpkg-query -W -f '${db:Status-Status}\n' "${packages[@]}" 2>/dev/null) || return 1
+  ! grep -qvx installed <<<"$states"
+}
+
+apt() {
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o Dpkg::Use-Pty=0 \
+    -o Dpkg::Options::=--force-confold -o Acquire::Retries=3 "$@"
+}
+
+# The plain way: the machine's own package sources as they are.
+install_plainly() {
+  apt update >"$log" 2>&1 && apt install --no-install-recommends "${packages[@]}" >>"$log" 2>&1
+}
+
+# An index of one architecture that is out of step with its release file leaves the two architectures with
+# different candidate versions, which apt refuses to install beside each other. The base suite never moves, so
+# with it alone both agree; what is newer on the machine steps back where it must.
+install_from_base_suite() {
+  local codename repository list
+  codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
+  # shellcheck disable=SC2016 # apt expands these names itself
+  repository=$(apt-get indextargets --format '$(RELEASE) $(REPO_URI)' 'Created-By: Packages' |
+    awk -v suite="$codename" '$1 == suite { print $2; exit }')
+  [ -n "$repository" ] || die "no package source for Debian \"$codename\" is configured on this machine"
+  list=$(mktemp --suffix=.list)
+  chmod 644 "$list"
+  echo "deb $repository $codename main" >"$list"
+  local private=(-o "Dir::Etc::sourcelist=$list" -o "Dir::Etc::sourceparts=-")
+  apt "${private[@]}" update >>"$log" 2>&1 &&
+    apt "${private[@]}" install --no-install-recommends --allow-downgrades "${packages[@]}" >>"$log" 2>&1
+  local status=$?
+  rm -f "$list"
+  return $status
+}
+
+all_installed && exit 0
+
+say "installing Debian packages (about a minute)"
+mkdir -p "$build"
+log=$build/setup-packages.log
+as_root true
+dpkg --print-foreign-architectures | grep -qx i386 || as_root dpkg --add-architecture i386
+if ! install_plainly; then
+  say "the package sources are out of step; installing from the base suite"
+  install_from_base_suite || {
+    tail -n 20 "$log" >&2
+    die "the packages could not be installed (is the network there?); the whole log is in $log"
+  }
+fi
+all_installed || die "apt reported success, but packages are still missing; the log is in $log"
