@@ -1,3 +1,5 @@
 #include "manifest/browse_for_path.h"
 
-bool BrowseForPath(HWND, BrowseMode) { return false; }
+bool BrowseForPath(HWND, BrowseMode) {
+  return false;
+}

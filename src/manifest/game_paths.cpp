@@ -2,4 +2,6 @@
 
 GamePaths& gamePaths = *new GamePaths;
 
-bool DetectGameInstallations(bool) { return false; }
+bool DetectGameInstallations(bool) {
+  return false;
+}
