@@ -23,6 +23,12 @@ std::string ManifestXml(const std::string& packagesXml) {
   return "<downloader><packages>" + packagesXml + "</packages></downloader>";
 }
 
+ScriptedAnswer Serving(const std::string& body) {
+  ScriptedAnswer answer;
+  answer.body = body;
+  return answer;
+}
+
 InstallScenario::InstallScenario() {
   app.tmpPath.Set(folder / L"temporary");
   app.installPath.Set(folder / L"installed");

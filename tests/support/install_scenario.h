@@ -30,6 +30,9 @@ std::string PackageXml(const std::string& filename, const std::string& md5, cons
 std::string SourceXml(const std::string& key, const std::string& url);
 std::string ManifestXml(const std::string& packagesXml);
 
+// An answer with this body.
+ScriptedAnswer Serving(const std::string& body);
+
 class InstallScenario {
  public:
   InstallScenario();

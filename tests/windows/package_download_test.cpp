@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <thread>
 
 #include "app/context.h"
 #include "install/source_attempt.h"
@@ -45,7 +46,7 @@ class PackageDownloadTest : public testing::Test {
     realSend = std::exchange(WinInet().HttpSendRequest, FailingSend);
     realPause_ = std::exchange(pauseBeforeRetry, CountPause);
     pauses = 0;
-    scenario_.server.Answer(kFoxPath, {.body = kFoxBody});
+    scenario_.server.Answer(kFoxPath, Serving(kFoxBody));
     run_.tmpPath = scenario_.folder / L"temporary";
     run_.selectedSource = "main";
     run_.downloads.SetGzipEnabled(false);
@@ -160,7 +161,7 @@ TEST_F(PackageDownloadTest, WithoutAHashAnyDataIsTakenAndNothingResumed) {
   LeaveFromEarlierRun("half");
   WriteTestFile(Stat(), "43|");
   package_.md5.clear();
-  scenario_.server.Answer(kFoxPath, {.body = "anything"});
+  scenario_.server.Answer(kFoxPath, Serving("anything"));
   EXPECT_EQ(Download(), DownloadOutcome::Done);
   EXPECT_EQ(Log(), (Lines{L"Trying source: main"}));
   EXPECT_EQ(Ranges(), (::Ranges{""}));
@@ -199,22 +200,23 @@ TEST_F(PackageDownloadTest, TriesTheSelectedSourceFirstThenTheOthersInOrder) {
 TEST_F(PackageDownloadTest, AsksWhenEverySourceFailed) {
   struct Case {
     const char* name;
-    DWORD sendError;  // of the last source
-    bool answersData;
+    DWORD sendError;    // 0: the server answers without data
     std::wstring code;  // and its description
   };
   wchar_t description[256];
   FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, ERROR_ACCESS_DENIED, 0,
                  description, ARRAYSIZE(description), nullptr);
   const Case cases[] = {
-      {"transfer error", ERROR_ACCESS_DENIED, true, L"5\n" + std::wstring(description)},
-      {"without text", 12018, true, L"12018"},
-      {"no data", 0, false, L"12152"},
+      {"transfer error", ERROR_ACCESS_DENIED, L"5\n" + std::wstring(description)},
+      {"without text", 12018, L"12018"},
+      {"no data", 0, L"12152"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     BoxRecorder boxes({IDNO});
-    scenario_.server.Answer(kFoxPath, {.status = 503, .body = c.answersData ? kFoxBody : ""});
+    ScriptedAnswer unavailable;
+    unavailable.status = 503;
+    scenario_.server.Answer(kFoxPath, unavailable);
     sendErrors = {c.sendError};
     app.cancelRequested = false;
     EXPECT_EQ(Download(), DownloadOutcome::FailedStop);
@@ -305,7 +307,9 @@ TEST_F(PackageDownloadTest, FallbackIsTriedOnceAndOnlyFromHttps) {
 
 TEST_F(PackageDownloadTest, BridgesAnOutage) {
   // The connection breaks after 20 bytes, stays away for three attempts, and the rest comes.
-  scenario_.server.AnswerNext(kFoxPath, {.body = kFoxBody, .closeAfter = 20});
+  ScriptedAnswer broken = Serving(kFoxBody);
+  broken.closeAfter = 20;
+  scenario_.server.AnswerNext(kFoxPath, broken);
   sendErrors = {0, kErrorCannotConnect, kErrorTimeout, kErrorNameNotResolved};
   EXPECT_EQ(Download(), DownloadOutcome::Done);
   const Lines log = Log();
@@ -407,7 +411,7 @@ TEST_F(PackageDownloadTest, TellsAboutConnectionsAndDisks) {
 }
 
 TEST_F(PackageDownloadTest, FirstMismatchFetchesTheManifestAndStartsAgain) {
-  scenario_.server.Answer(kFoxPath, {.body = kOtherBody});
+  scenario_.server.Answer(kFoxPath, Serving(kOtherBody));
   EXPECT_EQ(Download(), DownloadOutcome::Redo);
   EXPECT_EQ(Log(), (Lines{L"Trying source: main", L"Downloaoded: 43 / 43",
                           L"Hash mismatch (71bd588d5ad9b6abe87b831b45f8fa95)", L"Downloading packages manifest"}));
@@ -420,8 +424,8 @@ TEST_F(PackageDownloadTest, FirstMismatchFetchesTheManifestAndStartsAgain) {
 }
 
 TEST_F(PackageDownloadTest, RefreshedManifestIsLoaded) {
-  scenario_.server.Answer(kFoxPath, {.body = kOtherBody});
-  scenario_.server.Answer(kRepositoryPath, {.body = ManifestXml(PackageXml("fox", kOtherMd5, ""))});
+  scenario_.server.Answer(kFoxPath, Serving(kOtherBody));
+  scenario_.server.Answer(kRepositoryPath, Serving(ManifestXml(PackageXml("fox", kOtherMd5, ""))));
   package_.sources["second"] = kFoxUrl;
   EXPECT_EQ(Download(), DownloadOutcome::Redo);
   EXPECT_EQ(Log().back(), L"Packages manifest updated successfully");
@@ -451,7 +455,7 @@ TEST_F(PackageDownloadTest, LaterMismatchesGoOnWithTheNextSource) {
     DeleteFileW(File().c_str());
     run_.errorRecords.clear();
     scenario_.window.Installation().logEdit.SetText(L"");
-    scenario_.server.AnswerNext(kFoxPath, {.body = c.body});
+    scenario_.server.AnswerNext(kFoxPath, Serving(c.body));
     EXPECT_EQ(Download(), DownloadOutcome::Done);
     Lines log = {L"Trying source: main"};
     log.insert(log.end(), c.log.begin(), c.log.end());
@@ -502,19 +506,17 @@ TEST_F(PackageDownloadTest, StopsWhereverItIsCancelled) {
   {
     SCOPED_TRACE("in the middle of a transfer");
     app.cancelRequested = false;
-    scenario_.server.Answer(kFoxPath, {.body = std::string(9000, 'x'), .stallAfter = 5000});
+    ScriptedAnswer stalling = Serving(std::string(9000, 'x'));
+    stalling.stallAfter = 5000;
+    scenario_.server.Answer(kFoxPath, stalling);
     package_.size = 9000;
-    const KernelHandle canceller(CreateThread(
-        nullptr, 0,
-        [](void* server) -> DWORD {
-          EXPECT_TRUE(static_cast<ScriptedServer*>(server)->WaitForStall());
-          app.cancelRequested = true;
-          static_cast<ScriptedServer*>(server)->Resume();
-          return 0;
-        },
-        &scenario_.server, 0, nullptr));
+    std::thread canceller([&] {
+      EXPECT_TRUE(scenario_.server.WaitForStall());
+      app.cancelRequested = true;
+      scenario_.server.Resume();
+    });
     EXPECT_EQ(Download(), DownloadOutcome::Cancelled);
-    WaitForSingleObject(canceller.Get(), INFINITE);
+    canceller.join();
     EXPECT_GT(FileSize(File()), 0u) << "what arrived is kept for a later run";
     EXPECT_LT(FileSize(File()), 9000u);
     EXPECT_EQ(ReadTestFile(Stat()), std::string("9000|") + kFoxMd5);
