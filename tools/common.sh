@@ -1,5 +1,5 @@
 # Shared by the set-up and run scripts: source it, don't run it.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2034 # the scripts use these names
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
