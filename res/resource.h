@@ -8,7 +8,8 @@
 // Menu 109: its places and commands
 #define COMMAND_ABOUT 104
 #define COMMAND_EXIT 105
-#define COMMAND_LANGUAGES 32775
+#define COMMAND_LANGUAGES 32775  // its place is taken by the popup of the languages
+#define COMMAND_SOURCES 32776    // its place is taken by the popup of the download sources
 #define COMMAND_TEMP_FOLDER 32773
 #define COMMAND_SPEED_LIMIT 32778
 #define COMMAND_DELETE_APP_DATA 32781

@@ -4,8 +4,8 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "system/handles.h"
 #include "system/shared_state.h"
@@ -14,6 +14,10 @@
 struct Place {
   int x, y, width, height;
 };
+void PlaceWindow(HWND window, const Place& place);
+
+// Gives a window its current font with another height (a LOGFONT height). The font must live as long as it is used.
+FontHandle ChangeFontHeight(HWND window, int height);
 
 // What all wrappers share: a child window, and the font that was made for it.
 class Control {
@@ -24,7 +28,7 @@ class Control {
   HWND Window() const { return window_; }
   void SetPlace(const Place& place) const;
   void SetText(const std::wstring& text) const;
-  // The control's current font with another height (a LOGFONT height).
+  // In LOGFONT units; the rest of the font stays.
   void SetFontHeight(int height);
 
  protected:

@@ -15,7 +15,8 @@ class XMLElement;
 tinyxml2::XMLElement* FindManifestRoot(tinyxml2::XMLDocument& document);
 
 // Takes an `updater` element over into `updater` where it has an `md5`, and removes it from the document in any case.
-void TakeUpdater(tinyxml2::XMLElement& root, UpdaterInfo& updater);
+// Returns whether there was one.
+bool TakeUpdater(tinyxml2::XMLElement& root, UpdaterInfo& updater);
 
 // Replaces the source catalogue where the document has one. Returns the source to select instead of `selected`, or
 // nothing when the selection stays.

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "net/speed_limiter.h"
 #include "net/wininet_api.h"
 
 // What became of a transfer. `error` is read where the failure happened and 0 when the body ended regularly or the
@@ -27,6 +28,12 @@ struct DownloadProgress {
 };
 using DownloadProgressCallback = void (*)(DownloadProgress*);
 
+// One transfer's handles, closed in the reverse order.
+struct OpenedRequest {
+  InternetHandle connection;
+  InternetHandle request;
+};
+
 class HttpClient {
  public:
   // Uses app.userAgent. A failure shows in the first transfer.
@@ -48,14 +55,17 @@ class HttpClient {
                             DownloadProgressCallback callback);
 
  private:
-  // Both leave the thread's last error where they fail.
-  InternetHandle OpenRequest(const std::wstring& url, uint64_t rangeStart);
   bool EnsureSession();
+  // Opens and sends a GET request. False when there is no answer; `result.error` then tells why.
+  bool OpenRequest(const std::wstring& url, uint64_t rangeStart, OpenedRequest& opened, HttpResult& result);
+  // Turns gzip off and sends an opened request once more. False as for OpenRequest, or when it is refused.
+  bool SendAgainWithoutGzip(HINTERNET request, HttpResult& result);
+  void ReceiveIntoFile(HINTERNET request, HANDLE file, DownloadProgressCallback callback, DownloadProgress& progress,
+                       HttpResult& result);
+  void Throttle(SpeedLimiter& limiter, uint32_t bytes) const;
 
   std::wstring userAgent_;
   bool gzipEnabled_ = true;
   uint32_t speedLimit_ = 0;
-  // Closed in the reverse order: a transfer's connection before the session.
   InternetHandle session_;
-  InternetHandle connection_;
 };

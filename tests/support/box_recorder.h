@@ -33,6 +33,7 @@ class BoxRecorder {
   mutable std::mutex mutex_;
   std::deque<int> answers_;
   std::vector<RecordedBox> boxes_;
+  std::vector<std::string> failures_;  // reported at the end, on the test's own thread
   std::atomic<bool> stop_ = false;
   std::thread thread_;
 };

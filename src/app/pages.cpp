@@ -1,0 +1,66 @@
+#include "app/pages.h"
+
+#include <windows.h>
+
+#include "app/context.h"
+#include "app/localization.h"
+#include "app/page_controls.h"
+#include "app/theme.h"
+#include "system/threads.h"
+
+namespace {
+
+BOOL CALLBACK DestroyChild(HWND child, LPARAM) {
+  DestroyWindow(child);
+  return TRUE;
+}
+
+BOOL CALLBACK HideChild(HWND child, LPARAM) {
+  ShowWindow(child, SW_HIDE);
+  return TRUE;
+}
+
+// Releases the wrappers and fonts of a page whose windows are gone. A thread that fills the page's controls may still
+// hold the page; then it stays, and what that thread sends reaches no window.
+template <typename PageControls>
+void ReleasePage(SharedWord<PageControls*>& page, const KernelHandle& writer) {
+  PageControls* const old = page;
+  page = nullptr;
+  if (!IsThreadActive(writer)) delete old;
+}
+
+void RemoveCurrentPage() {
+  app.currentPage = NoPage;  // what the controls tell their parent while they go concerns no page
+  EnumChildWindows(app.mainWindow, DestroyChild, 0);
+  ReleasePage(app.componentsPage, app.manifestThread);
+  ReleasePage(app.installPage, app.workerThread);
+}
+
+}  // namespace
+
+void ShowComponentsPage() {
+  RemoveCurrentPage();
+  app.componentsPage = new ComponentsPageControls(app.mainWindow);
+  app.currentPage = ComponentsPage;
+  ThemeChildren(app.mainWindow);
+}
+
+void ShowInstallPage() {
+  RemoveCurrentPage();
+  const auto page = new InstallPageControls(app.mainWindow);
+  app.installPage = page;
+  app.currentPage = InstallPage;
+  ThemeChildren(app.mainWindow);
+  if (app.darkMode) ThemeCheckBox(page->deleteTmpCheckbox.Window());
+}
+
+void ShowClosingPage() {
+  if (app.currentPage == ClosingPage) return;
+  EnumChildWindows(app.mainWindow, HideChild, 0);
+  // Stays until the program ends, as nothing follows this page.
+  auto& closingLabel = *new Label(app.mainWindow, LoadLocalizedString(STR_CLOSING) + L"..", SS_CENTER | SS_CENTERIMAGE);
+  closingLabel.SetFontHeight(22);
+  closingLabel.SetPlace({0, 0, 600, 400});
+  app.currentPage = ClosingPage;
+  ThemeChildren(app.mainWindow);
+}

@@ -1,0 +1,329 @@
+#include "support/scripted_server.h"
+
+#include <gtest/gtest.h>
+#include <winsock2.h>
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstdlib>
+#include <deque>
+#include <mutex>
+#include <string_view>
+#include <thread>
+
+#include "system/handles.h"
+
+namespace {
+
+constexpr size_t kChunk = 4096;
+
+struct SocketTraits {
+  using Type = SOCKET;
+  static Type Invalid() { return INVALID_SOCKET; }
+  static void Close(Type handle) { closesocket(handle); }
+};
+using Socket = UniqueHandle<SocketTraits>;
+
+sockaddr_in LoopbackAddress(u_short port) {
+  sockaddr_in address = {};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  return address;
+}
+
+void MakeNonBlocking(SOCKET socket) {
+  u_long on = 1;
+  ioctlsocket(socket, static_cast<long>(FIONBIO), &on);
+}
+
+void Bind(SOCKET socket, u_short port) {
+  const sockaddr_in address = LoopbackAddress(port);
+  const int status = bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  if (status == 0) return;
+  ADD_FAILURE() << "port " << port << " can't be bound: " << WSAGetLastError();
+  std::abort();  // every later line of the test would only hide this one
+}
+
+std::string LowerCase(std::string text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
+}
+
+// `raw` ends with the empty line.
+RecordedRequest ParseRequest(const std::string& raw) {
+  RecordedRequest request;
+  request.raw = raw;
+  const size_t first_blank = raw.find(' ');
+  const size_t second_blank = raw.find(' ', first_blank + 1);
+  request.method = raw.substr(0, first_blank);
+  request.target = raw.substr(first_blank + 1, second_blank - first_blank - 1);
+  size_t line = raw.find("\r\n") + 2;
+  for (size_t end; (end = raw.find("\r\n", line)) != line; line = end + 2) {
+    const size_t colon = raw.find(':', line);
+    const size_t value = raw.find_first_not_of(' ', colon + 1);
+    request.headers[LowerCase(raw.substr(line, colon - line))] = raw.substr(value, end - value);
+  }
+  return request;
+}
+
+std::string PathOf(const RecordedRequest& request) {
+  return request.target.substr(0, request.target.find('?'));
+}
+
+// What is sent for one request: the answer's head, and the part of its body that the request asks for.
+struct Response {
+  std::string head;
+  std::string_view body;
+};
+
+Response BuildResponse(const RecordedRequest& request, const ScriptedAnswer& answer) {
+  Response response{"", answer.body};
+  int status = answer.status;
+  std::string range_header;
+  const auto range = request.headers.find("range");
+  if (status == 200 && answer.honourRange && range != request.headers.end()) {
+    const uint64_t start = std::strtoull(range->second.c_str() + std::string_view("bytes=").size(), nullptr, 10);
+    if (start < answer.body.size()) {
+      status = 206;
+      response.body.remove_prefix(static_cast<size_t>(start));
+      range_header = "Content-Range: bytes " + std::to_string(start) + "-" + std::to_string(answer.body.size() - 1) +
+                     "/" + std::to_string(answer.body.size()) + "\r\n";
+    }
+  }
+  response.head = "HTTP/1.1 " + std::to_string(status) + " Scripted\r\nConnection: close\r\n" + range_header;
+  if (answer.announceLength) {
+    const uint64_t length = answer.announcedLength.value_or(response.body.size());
+    response.head += "Content-Length: " + std::to_string(length) + "\r\n";
+  }
+  for (const auto& [name, value] : answer.headers) response.head += name + ": " + value + "\r\n";
+  response.head += "\r\n";
+  return response;
+}
+
+}  // namespace
+
+struct ScriptedServer::State {
+  // Set up before any thread, and not changed afterwards.
+  Socket listener;
+  Socket wake;  // readable from the moment that the server stops, which ends every wait for another socket
+  std::thread acceptor;
+
+  std::vector<std::thread> connections;  // of the acceptor, until it has ended
+
+  mutable std::mutex mutex;  // for all below
+  std::condition_variable changed;
+  std::map<std::string, ScriptedAnswer> answers;
+  std::map<std::string, std::deque<ScriptedAnswer>> nextAnswers;
+  std::vector<RecordedRequest> requests;
+  int stalled = 0;  // answers
+  int resumes = 0;
+  bool stopping = false;
+
+  // Waits until a socket can be read from or written to; false when the server stops.
+  bool WaitFor(SOCKET socket, bool writing) const;
+  void Accept();
+  void Serve(Socket connection);
+  bool Receive(SOCKET connection, std::string& bytes) const;
+  bool ReceiveRequest(SOCKET connection, RecordedRequest& request) const;
+  bool Send(SOCKET connection, std::string_view bytes) const;
+  ScriptedAnswer Record(const RecordedRequest& request);
+  bool SendBody(SOCKET connection, std::string_view body, const ScriptedAnswer& answer);
+  bool Stall();
+  bool Pause(uint32_t milliseconds);
+};
+
+bool ScriptedServer::State::WaitFor(SOCKET socket, bool writing) const {
+  fd_set readable, writable;
+  FD_ZERO(&readable);
+  FD_ZERO(&writable);
+  readable.fd_array[readable.fd_count++] = wake.Get();
+  fd_set& wanted = writing ? writable : readable;
+  wanted.fd_array[wanted.fd_count++] = socket;
+  if (select(0, &readable, &writable, nullptr, nullptr) <= 0) return false;
+  return std::find(readable.fd_array, readable.fd_array + readable.fd_count, wake.Get()) ==
+         readable.fd_array + readable.fd_count;
+}
+
+void ScriptedServer::State::Accept() {
+  while (WaitFor(listener.Get(), false)) {
+    Socket connection(accept(listener.Get(), nullptr, nullptr));
+    if (!connection) continue;
+    MakeNonBlocking(connection.Get());
+    connections.emplace_back([this, owned = std::move(connection)]() mutable { Serve(std::move(owned)); });
+  }
+}
+
+void ScriptedServer::State::Serve(Socket connection) {
+  RecordedRequest request;
+  if (!ReceiveRequest(connection.Get(), request)) return;
+  const ScriptedAnswer answer = Record(request);
+  if (!answer.closeWithoutAnswer) {
+    const Response response = BuildResponse(request, answer);
+    if (!Send(connection.Get(), response.head) || !SendBody(connection.Get(), response.body, answer)) return;
+  }
+  // A close with something unread would reset the connection and could destroy what is still under way.
+  shutdown(connection.Get(), SD_SEND);
+  std::string rest;
+  while (Receive(connection.Get(), rest)) rest.clear();
+}
+
+// Appends what has come; false at the end of the connection.
+bool ScriptedServer::State::Receive(SOCKET connection, std::string& bytes) const {
+  if (!WaitFor(connection, false)) return false;
+  char chunk[kChunk];
+  const int count = recv(connection, chunk, sizeof chunk, 0);
+  if (count <= 0) return false;
+  bytes.append(chunk, static_cast<size_t>(count));
+  return true;
+}
+
+bool ScriptedServer::State::ReceiveRequest(SOCKET connection, RecordedRequest& request) const {
+  constexpr std::string_view kHeadEnd = "\r\n\r\n";
+  std::string bytes;
+  size_t head_end;
+  while ((head_end = bytes.find(kHeadEnd)) == std::string::npos) {
+    if (!Receive(connection, bytes)) return false;
+  }
+  const size_t head_size = head_end + kHeadEnd.size();
+  request = ParseRequest(bytes.substr(0, head_size));
+  request.body = bytes.substr(head_size);
+  const auto length = request.headers.find("content-length");
+  const size_t expected = length == request.headers.end() ? 0 : std::strtoul(length->second.c_str(), nullptr, 10);
+  while (request.body.size() < expected) {
+    if (!Receive(connection, request.body)) return false;
+  }
+  return true;
+}
+
+bool ScriptedServer::State::Send(SOCKET connection, std::string_view bytes) const {
+  while (!bytes.empty()) {
+    if (!WaitFor(connection, true)) return false;
+    const int count = send(connection, bytes.data(), static_cast<int>(bytes.size()), 0);
+    if (count > 0) {
+      bytes.remove_prefix(static_cast<size_t>(count));
+    } else if (WSAGetLastError() != WSAEWOULDBLOCK) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// Keeps the request and returns its answer.
+ScriptedAnswer ScriptedServer::State::Record(const RecordedRequest& request) {
+  const std::lock_guard lock(mutex);
+  requests.push_back(request);
+  const std::string path = PathOf(request);
+  std::deque<ScriptedAnswer>& next = nextAnswers[path];
+  if (!next.empty()) {
+    ScriptedAnswer answer = std::move(next.front());
+    next.pop_front();
+    return answer;
+  }
+  const auto answer = answers.find(path);
+  if (answer != answers.end()) return answer->second;
+  ScriptedAnswer not_found;
+  not_found.status = 404;
+  return not_found;
+}
+
+bool ScriptedServer::State::SendBody(SOCKET connection, std::string_view body, const ScriptedAnswer& answer) {
+  const size_t end = std::min(body.size(), answer.closeAfter.value_or(body.size()));
+  const size_t stall = answer.stallAfter.value_or(body.size() + 1);
+  // Without a pause between chunks everything up to the next event goes in one piece.
+  const size_t step = answer.delayPerChunkMs == 0 ? body.size() : kChunk;
+  for (size_t sent = 0;;) {
+    if (sent == stall && !Stall()) return false;
+    if (sent >= end) return true;
+    size_t piece = std::min(step, end - sent);
+    if (sent < stall) piece = std::min(piece, stall - sent);
+    if (!Send(connection, body.substr(sent, piece))) return false;
+    sent += piece;
+    if (answer.delayPerChunkMs != 0 && !Pause(answer.delayPerChunkMs)) return false;
+  }
+}
+
+// Both return false when the server stops.
+bool ScriptedServer::State::Stall() {
+  std::unique_lock lock(mutex);
+  ++stalled;
+  changed.notify_all();
+  changed.wait(lock, [this, before = resumes] { return resumes != before || stopping; });
+  return !stopping;
+}
+
+bool ScriptedServer::State::Pause(uint32_t milliseconds) {
+  std::unique_lock lock(mutex);
+  return !changed.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return stopping; });
+}
+
+ScriptedServer::ScriptedServer() : state_(new State) {
+  WSADATA data;
+  WSAStartup(MAKEWORD(2, 2), &data);
+  state_->wake = Socket(socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
+  Bind(state_->wake.Get(), 0);
+  state_->listener = Socket(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+  // The last test's connections may not have left the port yet.
+  const BOOL on = TRUE;
+  setsockopt(state_->listener.Get(), SOL_SOCKET, SO_REUSEADDR, reinterpret_cast<const char*>(&on), sizeof on);
+  Bind(state_->listener.Get(), 80);
+  MakeNonBlocking(state_->listener.Get());
+  listen(state_->listener.Get(), SOMAXCONN);
+  state_->acceptor = std::thread([this] { state_->Accept(); });
+}
+
+ScriptedServer::~ScriptedServer() {
+  {
+    const std::lock_guard lock(state_->mutex);
+    state_->stopping = true;
+  }
+  state_->changed.notify_all();
+  sockaddr_in wake = {};
+  int length = sizeof wake;
+  getsockname(state_->wake.Get(), reinterpret_cast<sockaddr*>(&wake), &length);
+  sendto(state_->wake.Get(), "!", 1, 0, reinterpret_cast<const sockaddr*>(&wake), length);
+  state_->acceptor.join();
+  for (std::thread& connection : state_->connections) connection.join();
+  delete state_;
+  WSACleanup();
+}
+
+void ScriptedServer::Answer(const std::string& path, ScriptedAnswer answer) {
+  const std::lock_guard lock(state_->mutex);
+  state_->answers[path] = std::move(answer);
+}
+
+void ScriptedServer::AnswerNext(const std::string& path, ScriptedAnswer answer) {
+  const std::lock_guard lock(state_->mutex);
+  state_->nextAnswers[path].push_back(std::move(answer));
+}
+
+void ScriptedServer::Resume() {
+  {
+    const std::lock_guard lock(state_->mutex);
+    state_->stalled = 0;
+    ++state_->resumes;
+  }
+  state_->changed.notify_all();
+}
+
+bool ScriptedServer::WaitForStall() {
+  std::unique_lock lock(state_->mutex);
+  return state_->changed.wait_for(lock, std::chrono::seconds(10), [this] { return state_->stalled > 0; });
+}
+
+std::vector<RecordedRequest> ScriptedServer::Requests() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->requests;
+}
+
+std::vector<RecordedRequest> ScriptedServer::RequestsOf(const std::string& path) const {
+  std::vector<RecordedRequest> matching;
+  for (const RecordedRequest& request : Requests()) {
+    if (PathOf(request) == path) matching.push_back(request);
+  }
+  return matching;
+}

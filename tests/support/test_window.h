@@ -1,0 +1,71 @@
+// A main window on a thread of its own with a message loop, as the program has it. Text is read and controls are
+// written from the test's thread exactly as the program's workers do it.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "app/context.h"
+#include "app/controls.h"
+#include "app/page_controls.h"
+#include "system/handles.h"
+
+class TestWindow {
+ public:
+  // Looks at a message of the bare window, on the UI thread, and may answer it.
+  using Handler = std::function<std::optional<LRESULT>(UINT message, WPARAM wParam, LPARAM lParam)>;
+
+  // A bare window with this page: the program's pages, but nobody who handles their commands. It closes on WM_CLOSE.
+  explicit TestWindow(Page page = InstallPage, Handler handler = {});
+  // The window that `create` makes and stores in app.mainWindow; see CreateWithoutManifest in main_window_test.cpp.
+  explicit TestWindow(const std::function<void()>& create);
+  // Destroys the window without a relaunch, ends the thread and clears everything in `app` that belongs to a window.
+  ~TestWindow();
+  TestWindow(const TestWindow&) = delete;
+  TestWindow& operator=(const TestWindow&) = delete;
+
+  HWND Window() const { return window_; }
+  DWORD ThreadId() const { return GetThreadId(thread_.Get()); }
+  // The controls of the page; the page must exist.
+  ComponentsPageControls& Components() const { return *static_cast<ComponentsPageControls*>(app.componentsPage); }
+  InstallPageControls& Installation() const { return *static_cast<InstallPageControls*>(app.installPage); }
+
+  // Runs a step on the UI thread and returns when it is done. Works while that thread shows a message box.
+  void Run(const std::function<void()>& step) const;
+  // Returns when the UI thread has handled all messages posted before.
+  void Settle() const;
+  // True when the window is destroyed within ten seconds.
+  bool WaitUntilClosed() const;
+  bool IsOpen() const { return IsWindow(window_); }
+
+  // The lines of the log of the installation page, without line ends.
+  std::vector<std::wstring> LogLines() const;
+
+ private:
+  static DWORD WINAPI ThreadProc(void* self);
+  static LRESULT CALLBACK BareProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  void Start(const std::function<void()>& create);
+  void Loop();
+
+  Handler handler_;
+  const std::function<void()>* create_ = nullptr;
+  HWND window_ = nullptr;
+  HWND steps_ = nullptr;  // a message-only window that runs steps
+  KernelHandle ready_, closed_, thread_;
+};
+
+std::wstring TextOf(HWND window);
+inline std::wstring TextOf(const Control& control) {
+  return TextOf(control.Window());
+}
+
+// Position and size in the client area of the parent.
+Place PlaceOf(HWND window);
+
+// The position of a progress bar.
+int PositionOf(const ProgressBar& bar);

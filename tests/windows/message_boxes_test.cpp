@@ -1,0 +1,154 @@
+#include "app/message_boxes.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+
+#include "app/context.h"
+#include "app/site.h"
+#include "support/box_recorder.h"
+#include "support/temp_folder.h"
+#include "system/error_message.h"
+#include "system/files.h"
+
+namespace {
+
+const std::wstring kConnectionHint =
+    L"Please check your Internet connection\n\nIn some cases the Antivirus software can cause this problem. You may "
+    L"want to add the exception or allow Installer to use the Internet";
+
+// The system's own description of an error, whatever its language; it ends with a line break.
+std::wstring SystemText(DWORD error) {
+  wchar_t text[512];
+  const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0,
+                                      text, ARRAYSIZE(text), nullptr);
+  EXPECT_GT(length, 0u);
+  return std::wstring(text, length);
+}
+
+// The boxes that `show` shows, each answered in turn.
+template <typename Show>
+std::vector<RecordedBox> BoxesOf(std::initializer_list<int> answers, Show show) {
+  BoxRecorder recorder(answers);
+  show();
+  return recorder.Boxes();
+}
+
+// Removes "app.tmpPath" again, for the tests that come after.
+class MessageBoxes : public testing::Test {
+ protected:
+  ~MessageBoxes() override {
+    app.tmpPath.Set({});
+    app.mainWindow = nullptr;
+    app.updateInProgress = false;
+  }
+
+  TempFolder folder_;
+};
+
+HWND CreateHiddenWindow() {
+  return CreateWindowExW(0, L"Static", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+}
+
+bool TakePostedClose(HWND window) {
+  MSG message;
+  return PeekMessageW(&message, window, WM_CLOSE, WM_CLOSE, PM_REMOVE);
+}
+
+}  // namespace
+
+TEST_F(MessageBoxes, ErrorLinesStandBeforeTheText) {
+  SetLastError(0);
+  EXPECT_EQ(FormatErrorMessage(0, L"Fix permissions?"), L"Fix permissions?");
+  const std::wstring accessDenied = L"Error: 5\n" + SystemText(ERROR_ACCESS_DENIED) + L"\nFix permissions?";
+  EXPECT_EQ(FormatErrorMessage(ERROR_ACCESS_DENIED, L"Fix permissions?"), accessDenied);
+  SetLastError(ERROR_ACCESS_DENIED);
+  EXPECT_EQ(FormatErrorMessage(0, L"Fix permissions?"), accessDenied);
+  EXPECT_EQ(FormatErrorMessage(12029, L"Help?"), L"Error: 12029\nHelp?");  // the system has no text for it
+}
+
+TEST_F(MessageBoxes, FixedTexts) {
+  const HWND owner = CreateHiddenWindow();
+  app.mainWindow = owner;
+  const auto boxes = BoxesOf({IDOK, IDOK, IDOK, IDOK}, [] {
+    SetLastError(ERROR_DISK_FULL);
+    ShowManifestError();
+    SetLastError(0);
+    ShowManifestError();
+    ShowConnectionHint();
+    ShowCorruptDiskMessage();
+  });
+  DestroyWindow(owner);
+  ASSERT_EQ(boxes.size(), 4u);
+  for (const auto& box : boxes) {
+    EXPECT_EQ(box.owner, owner);
+    EXPECT_EQ(box.buttons, std::vector<int>{IDOK});
+  }
+  EXPECT_EQ(boxes[0].caption, L"Manifest");
+  EXPECT_EQ(boxes[0].text, L"Error: 112\n" + SystemText(ERROR_DISK_FULL) + L"\nUnable to download packages list\n\n" +
+                               kConnectionHint);
+  EXPECT_EQ(boxes[1].text, L"Unable to download packages list\n\n" + kConnectionHint);
+  EXPECT_EQ(boxes[2].caption, L"Error");
+  EXPECT_EQ(boxes[2].text, kConnectionHint);
+  EXPECT_EQ(boxes[3].caption, L"Error");
+  EXPECT_EQ(boxes[3].text,
+            L"It looks like the file or disk is corrupt. There might be a problem with your drive. If you continue to "
+            L"see this message then try to reboot PC");
+}
+
+// A worker's box must not need the thread that owns the main window to come back from what it does.
+TEST_F(MessageBoxes, RunOnTheThreadThatShowsThem) {
+  const auto boxes = BoxesOf({IDOK}, [] { std::async(std::launch::async, ShowCorruptDiskMessage).get(); });
+  EXPECT_EQ(boxes.size(), 1u);
+}
+
+TEST_F(MessageBoxes, TempFolderIsMadeWithoutAWord) {
+  app.tmpPath.Set(folder_.Path());
+  EXPECT_EQ(EnsureTempFolder(), 1);
+  const std::wstring deep = folder_ / L"a\\b\\c";
+  app.tmpPath.Set(deep);
+  EXPECT_EQ(EnsureTempFolder(), 1);
+  EXPECT_TRUE(IsDirectory(deep));
+}
+
+TEST_F(MessageBoxes, TempFolderThatCannotBeMade) {
+  const std::wstring path = folder_ / L"file";
+  WriteTestFile(path, "in the way");
+  app.tmpPath.Set(path);
+  int result = -1;
+  const auto boxes = BoxesOf({IDOK}, [&] { result = EnsureTempFolder(); });
+  EXPECT_EQ(result, 0);
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_EQ(boxes[0].caption, L"Error");
+  EXPECT_EQ(boxes[0].text, L"Error: 183\n" + SystemText(ERROR_ALREADY_EXISTS) + L"\nUnable to create a directory:\n" +
+                               path);
+}
+
+TEST_F(MessageBoxes, LatestVersionIsOffered) {
+  const HWND window = CreateHiddenWindow();
+  app.mainWindow = window;
+  const auto boxes = BoxesOf({IDNO, IDNO, IDNO}, [] {
+    SetLastError(0);
+    PromptDownloadLatest(L"https://zendora.example/get");
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    PromptDownloadLatest(L"");
+    SetLastError(12029);
+    PromptDownloadLatest(L"");
+  });
+  EXPECT_FALSE(TakePostedClose(window));
+  ASSERT_EQ(boxes.size(), 3u);
+  EXPECT_EQ(boxes[0].caption, L"Update");
+  EXPECT_EQ(boxes[0].buttons, (std::vector<int>{IDYES, IDNO}));
+  EXPECT_EQ(boxes[0].owner, window);
+  EXPECT_EQ(boxes[0].text,
+            L"Please download the latest version of this app from:\nhttps://zendora.example/get\n\nOpen?");
+  const std::wstring defaultPage =
+      L"Please download the latest version of this app from:\n" + DownloadPageAddress() + L"\n\nOpen?";
+  EXPECT_EQ(boxes[1].text, L"Error: 2\n" + SystemText(ERROR_FILE_NOT_FOUND) + L"\n" + defaultPage);
+  EXPECT_EQ(boxes[2].text, L"Error: 12029\n\n" + defaultPage);
+
+  app.updateInProgress = true;
+  BoxesOf({IDNO}, [] { PromptDownloadLatest(L""); });
+  EXPECT_TRUE(TakePostedClose(window));
+  DestroyWindow(window);
+}
