@@ -5,6 +5,7 @@
 #include <future>
 
 #include "app/context.h"
+#include "app/localization.h"
 #include "app/site.h"
 #include "support/box_recorder.h"
 #include "support/replaced_import.h"
@@ -88,8 +89,10 @@ TEST_F(MessageBoxes, FixedTexts) {
   const auto boxes = BoxesOf({IDOK, IDOK, IDOK, IDOK}, [] {
     SetLastError(ERROR_DISK_FULL);
     ShowManifestError();
+    SetThreadLanguage(LANG_FRENCH);  // has no texts, so that looking for them leaves an error of its own
     SetLastError(0);
     ShowManifestError();
+    SetThreadLanguage(LANG_ENGLISH);
     ShowConnectionHint();
     ShowCorruptDiskMessage();
   });
