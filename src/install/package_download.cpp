@@ -14,6 +14,7 @@
 #include "manifest/manifest_store.h"
 #include "net/error_text.h"
 #include "net/file_hash.h"
+#include "net/network_errors.h"
 #include "system/files.h"
 #include "system/handles.h"
 #include "system/path_names.h"

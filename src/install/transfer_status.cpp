@@ -54,7 +54,9 @@ LRESULT CALLBACK StopOnWindowThread(int code, WPARAM wParam, LPARAM lParam) {
 // when the thread receives WM_NULL, which means nothing to the window itself.
 void CallOnWindowThread(HOOKPROC procedure) {
   const HWND window = app.mainWindow;
-  const HHOOK hook = SetWindowsHookExW(WH_CALLWNDPROC, procedure, nullptr, GetWindowThreadProcessId(window, nullptr));
+  const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+  if (thread == 0) return;  // the window is gone
+  const HHOOK hook = SetWindowsHookExW(WH_CALLWNDPROC, procedure, nullptr, thread);
   if (!hook) return;
   SendMessageW(window, WM_NULL, 0, 0);
   UnhookWindowsHookEx(hook);
@@ -62,7 +64,7 @@ void CallOnWindowThread(HOOKPROC procedure) {
 
 // A file that got shorter was begun anew: all of it has come since the last tick.
 void TakeSpeedSample(uint64_t before, uint64_t now) {
-  const size_t slot = transferStatus.sampleIndex;
+  const uint64_t slot = transferStatus.sampleIndex;
   transferStatus.speedSamples[slot] = now >= before ? now - before : now;
   transferStatus.sampleIndex = (slot + 1) % ARRAYSIZE(transferStatus.speedSamples);
   uint64_t sum = 0;
@@ -70,9 +72,7 @@ void TakeSpeedSample(uint64_t before, uint64_t now) {
   transferStatus.currentSpeed = sum / ARRAYSIZE(transferStatus.speedSamples);
 }
 
-std::wstring SizeText(uint64_t bytes) {
-  return FormatByteSize(static_cast<int64_t>(bytes));
-}
+std::wstring SizeText(uint64_t bytes) { return FormatByteSize(static_cast<int64_t>(bytes)); }
 
 void ShowSpeed(uint64_t fileBytes) {
   const uint64_t speed = transferStatus.currentSpeed;
@@ -93,9 +93,7 @@ void ArmSpeedTimer() {
   if (!transferStatus.timerArmed) CallOnWindowThread(ArmOnWindowThread);
 }
 
-void StopSpeedTimer() {
-  CallOnWindowThread(StopOnWindowThread);
-}
+void StopSpeedTimer() { CallOnWindowThread(StopOnWindowThread); }
 
 void CALLBACK OnSpeedTimer(HWND, UINT, UINT_PTR, DWORD) {
   const uint64_t before = transferStatus.lastTickBytes;

@@ -1,7 +1,8 @@
 #include "net/file_hash.h"
 
-#include <wincrypt.h>
 #include <windows.h>
+
+#include <wincrypt.h>
 
 #include "system/handles.h"
 
