@@ -39,7 +39,7 @@ std::vector<RecordedBox> BoxesOf(std::initializer_list<int> answers, Show show) 
   return recorder.Boxes();
 }
 
-// Removes "app.tmpPath" again, for the tests that come after.
+// Leaves no state of its own for the tests that come after.
 class MessageBoxes : public testing::Test {
  protected:
   ~MessageBoxes() override {
