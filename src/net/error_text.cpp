@@ -1,0 +1,37 @@
+#include "net/error_text.h"
+
+#include "net/wininet_api.h"
+
+namespace {
+
+std::wstring ServerResponseText() {
+  DWORD code = 0;
+  DWORD length = 0;
+  WinInet().InternetGetLastResponseInfo(&code, nullptr, &length);
+  // One more for the terminator, which the length leaves out.
+  std::wstring text(++length, L'\0');
+  if (!WinInet().InternetGetLastResponseInfo(&code, text.data(), &length)) return L"";
+  text.resize(length);
+  return text;
+}
+
+std::wstring SystemText(uint32_t code) {
+  wchar_t* buffer = nullptr;
+  const DWORD length =
+      FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM,
+                     nullptr, code, 0, reinterpret_cast<wchar_t*>(&buffer), 0, nullptr);
+  const std::wstring text(buffer, length);
+  LocalFree(buffer);
+  return text;
+}
+
+}  // namespace
+
+std::wstring GetErrorText(uint32_t code) {
+  const DWORD last_error = GetLastError();
+  std::wstring text;
+  if (code == ERROR_INTERNET_EXTENDED_ERROR) text = ServerResponseText();
+  if (text.empty()) text = SystemText(code);
+  SetLastError(last_error);
+  return text;
+}
