@@ -212,10 +212,9 @@ InstallOutcome InstallPackage(Installation& run, const Package& package, size_t 
   if (app.cancelRequested) return InstallOutcome::Cancelled;
 
   const PlacementResult placement = PlacePackage(run, package, target);
+  if (placement.cancelled) return InstallOutcome::Cancelled;
   if (placement.ok) {
     FinishPackage(run, package, target);
-  } else if (app.cancelRequested) {
-    return InstallOutcome::Cancelled;
   } else if (AskToInstallAgain(package, placement.error)) {
     return InstallOutcome::TryAgain;
   }

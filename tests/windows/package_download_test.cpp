@@ -512,6 +512,7 @@ TEST_F(PackageDownloadTest, StopsWhereverItIsCancelled) {
     package_.size = 9000;
     std::thread canceller([&] {
       EXPECT_TRUE(scenario_.server.WaitForStall());
+      while (transferStatus.currentFileBytes == 0) Sleep(1);
       app.cancelRequested = true;
       scenario_.server.Resume();
     });
