@@ -33,3 +33,13 @@ add_executable(program_tests ${program_tests})
 set_project_options(program_tests)
 target_include_directories(program_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(program_tests PRIVATE zendora gtest_main)
+
+# What the demo needs: an installer program to be installed by ours, and hands for its window.
+add_executable(demo_setup_program WIN32 ${CMAKE_SOURCE_DIR}/tools/demo/setup_program.cpp)
+set_project_options(demo_setup_program)
+target_link_options(demo_setup_program PRIVATE -municode)
+add_executable(drive_installer ${CMAKE_SOURCE_DIR}/tools/demo/drive_installer.cpp
+  ${CMAKE_SOURCE_DIR}/tests/program/installer_window.cpp)
+set_project_options(drive_installer)
+target_include_directories(drive_installer PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(drive_installer PRIVATE zendora_text)

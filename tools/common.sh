@@ -23,6 +23,6 @@ as_root() {
   elif command -v sudo >/dev/null && sudo -n true 2>/dev/null; then
     sudo -n "$@"
   else
-    die "this step needs root: run the command as root, or allow sudo without a password"
+    die "this step needs root: run the command as root, or let sudo work without a password"
   fi
 }
