@@ -212,9 +212,10 @@ InstallOutcome InstallPackage(Installation& run, const Package& package, size_t 
   if (app.cancelRequested) return InstallOutcome::Cancelled;
 
   const PlacementResult placement = PlacePackage(run, package, target);
-  if (placement.cancelled) return InstallOutcome::Cancelled;
   if (placement.ok) {
     FinishPackage(run, package, target);
+  } else if (app.cancelRequested) {
+    return InstallOutcome::Cancelled;
   } else if (AskToInstallAgain(package, placement.error)) {
     return InstallOutcome::TryAgain;
   }
@@ -286,6 +287,7 @@ void LeaveInstallPhase(const Installation& run) {
 void BeginRun(Installation& run) {
   app.installRunning = true;
   TakeOverOptions(run);
+  CreateDirectories(run.tmpPath);  // the user may have deleted it since start-up
   ShowRunStart(run);
   AddUpPackages(run);
   SendStartReport(run);
