@@ -1,7 +1,8 @@
 #include "app/about_dialog.h"
 
-#include <shellapi.h>
 #include <windows.h>
+// shellapi.h needs windows.h before it.
+#include <shellapi.h>
 
 #include <string>
 

@@ -3,12 +3,17 @@
 #include <windows.h>
 
 #include "app/context.h"
+#include "net/file_hash.h"
+#include "system/files.h"
+#include "system/path_names.h"
 
 namespace {
 
 constexpr std::wstring_view kBackupSuffix = L".backup";
 
 }  // namespace
+
+std::wstring UpdateFilePath() { return JoinPath(*app.tmpPath.Get(), L"launcher.update"); }
 
 void RemoveReplacedProgram() {
   constexpr int kTries = 20;
@@ -29,5 +34,7 @@ void RestoreReplacedProgram() {
 }
 
 void RemoveForgottenCopy() {
-  if (!app.updateInProgress) DeleteFileW(app.backupPath.c_str());
+  if (app.updateInProgress || !PathExists(app.backupPath)) return;
+  const std::string ownHash = ComputeFileMd5(app.exePath, nullptr);
+  if (!ownHash.empty() && ownHash == ComputeFileMd5(UpdateFilePath(), nullptr)) DeleteFileW(app.backupPath.c_str());
 }

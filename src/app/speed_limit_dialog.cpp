@@ -70,7 +70,7 @@ void OnOk(HWND dialog) {
   const uint32_t speed = EnteredSpeed(dialog);
   if (speed != app.maxDownloadSpeedKB) {
     app.maxDownloadSpeedKB = speed;
-    app.speedLimitBytes = speed * 1024;
+    app.speedLimitBytes = SpeedInBytes(speed);
     SaveMaxDownloadSpeed();
   }
   EndDialog(dialog, IDOK);

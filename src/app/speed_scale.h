@@ -16,5 +16,8 @@ uint32_t SpeedAtPosition(uint32_t position, uint32_t scaleMax);
 // a text that is no number.
 uint32_t ParseSpeed(const std::wstring& text);
 
+// A speed in bytes per second; the largest number for what is beyond it.
+uint32_t SpeedInBytes(uint32_t speed);
+
 // The text of a speed: empty for no limit.
 std::wstring SpeedText(uint32_t speed);

@@ -56,7 +56,7 @@ void OnUpdateDownloadProgress(DownloadProgress* progress) {
   }
   if (progress->total != 0) {
     const float percent = static_cast<float>(progress->downloaded) * 100.0f / static_cast<float>(progress->total);
-    ShowUpdateProgress(std::min(100, static_cast<int>(std::min(percent, 100.0f))));
+    ShowUpdateProgress(static_cast<int>(std::min(percent, 100.0f)));
   }
   ShowText(UPDATE_RECEIVED, SizeText(progress->downloaded));
 }

@@ -86,7 +86,7 @@ void LoadAndShow() {
     return;
   }
   if (ManifestCacheSaveFailed()) OfferRepairOfCache();
-  if (startRequested) SendMessageW(installButton, BM_CLICK, 0, 0);
+  if (startRequested && !app.updateInProgress) SendMessageW(installButton, BM_CLICK, 0, 0);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "app/context.h"
 #include "app/localization.h"
 #include "app/message_boxes.h"
+#include "app/replaced_program.h"
 #include "app/update_dialog.h"
 #include "net/file_hash.h"
 #include "net/http_client.h"
@@ -14,7 +15,6 @@
 #include "system/error_message.h"
 #include "system/files.h"
 #include "system/message_pump.h"
-#include "system/path_names.h"
 #include "system/process.h"
 #include "system/text.h"
 
@@ -24,7 +24,6 @@
 namespace {
 
 constexpr int kMaxRetries = 60;
-constexpr DWORD kRetryPauseMs = 1000;
 
 struct Update {
   HWND dialog;
@@ -52,7 +51,7 @@ HttpResult Download(Update& update, const std::wstring& url) {
 HttpResult DownloadThroughOutage(Update& update, const std::wstring& url) {
   HttpResult result = Download(update, url);
   for (int retries = 0; IsRetryableNetworkError(result.error) && retries < kMaxRetries; ++retries) {
-    WaitWhileServing(update.dialog, kRetryPauseMs);
+    pauseBeforeUpdateRetry(update.dialog);
     result = Download(update, url);
   }
   return result;
@@ -107,10 +106,11 @@ bool Install(Update& update) {
   return update.error == ERROR_SUCCESS;
 }
 
+// Who has closed the window meanwhile doesn't want to see the program again.
 void Relaunch() {
   app.restartArgs = L"updated";
   app.commandLine.clear();
-  app.restartRequested = true;
+  app.restartRequested = app.closeAttempts == 0;
   PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
 }
 
@@ -122,6 +122,8 @@ void GiveUp(const Update& update) {
 
 }  // namespace
 
+void (*pauseBeforeUpdateRetry)(HWND dialog) = [](HWND dialog) { WaitWhileServing(dialog, 1000); };
+
 void RunSelfUpdate(const UpdaterInfo& announced) {
   DeleteFileW(app.manifestPath.c_str());  // the next start is to ask anew
   const HWND dialog = CreateUpdateDialog(announced.filesize);
@@ -130,7 +132,7 @@ void RunSelfUpdate(const UpdaterInfo& announced) {
   EnableWindow(app.mainWindow, FALSE);
   ShowUpdateStatus(STR_DOWNLOADING_UPDATE);
 
-  Update update{dialog, JoinPath(*app.tmpPath.Get(), L"launcher.update"), announced.md5,
+  Update update{dialog, UpdateFilePath(), announced.md5,
                 WidenBytes(announced.helpURL), {}};
   if (ObtainFile(update, announced.urls) && Install(update)) {
     Relaunch();
