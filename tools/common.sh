@@ -1,5 +1,5 @@
 # Shared by the set-up and run scripts: source it, don't run it.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2034 # the scripts use these names
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -23,6 +23,6 @@ as_root() {
   elif command -v sudo >/dev/null && sudo -n true 2>/dev/null; then
     sudo -n "$@"
   else
-    die "this step needs root: run the command as root, or allow sudo without a password"
+    die "this step needs root: run the command as root, or let sudo work without a password"
   fi
 }

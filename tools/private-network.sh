@@ -7,12 +7,15 @@ source "$(dirname "$0")/common.sh"
 if [ "${ZENDORA_PRIVATE_NETWORK:-}" != inside ]; then
   rights=()
   [ "$(id -u)" -eq 0 ] || rights=(--map-root-user)
+  unshare "${rights[@]}" --net --mount -- mount --bind /etc/hosts /etc/hosts 2>/dev/null ||
+    die "a private network can't be made here: run this as root, on a machine (or in a container) that may make namespaces"
   ZENDORA_PRIVATE_NETWORK=inside exec unshare "${rights[@]}" --net --mount -- "$0" "$@"
 fi
 
 ip link set lo up
-hosts=$build/hosts
-printf '127.0.0.1 localhost zendora.example mirror.zendora.example\n' >"$hosts.$$"
-mount --bind "$hosts.$$" /etc/hosts
-rm -f "$hosts.$$"
+hosts=$(mktemp -p "$build" hosts.XXXXXX)
+chmod 644 "$hosts"
+printf '127.0.0.1 localhost zendora.example mirror.zendora.example\n' >"$hosts"
+mount --bind "$hosts" /etc/hosts
+rm -f "$hosts"
 exec "$@"

@@ -36,7 +36,7 @@ source_apt update || die "the list of library sources could not be fetched (is t
 for library in "${missing[@]}"; do
   name=${library%%=*} version=${library#*=}
   work=$(mktemp -d -p "$deps")
-  (cd "$work" && source_apt source "$name") || die "the source of $name could not be fetched; see $log"
+  (cd "$work" && source_apt source "$name") || die "the source of $name could not be fetched (is the network there?); see $log"
   folder=$(find "$work" -mindepth 1 -maxdepth 1 -type d)
   [[ ${folder%+dfsg} == *"$version" ]] || die "the source of $name is not version $version but $(basename "$folder")"
   rm -rf "${deps:?}/$name"

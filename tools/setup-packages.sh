@@ -17,7 +17,7 @@ packages=(
 
 all_installed() {
   local states
-  states=$(dpkg-query -W -f '${db:Status-Status}\n' "${packages[@]}" 2>/dev/null) || return 1
+  states=$(dpkg-query -W -f '${db:Status-Status}\n' "$@" 2>/dev/null) || return 1
   ! grep -qvx installed <<<"$states"
 }
 
@@ -52,9 +52,13 @@ install_from_base_suite() {
   return $status
 }
 
-all_installed && exit 0
+all_installed "${packages[@]}" && exit 0
 
-say "installing Debian packages (about a minute)"
+missing=()
+for package in "${packages[@]}"; do
+  all_installed "$package" || missing+=("$package")
+done
+say "installing Debian packages (about a minute): ${missing[*]}"
 mkdir -p "$build"
 log=$build/setup-packages.log
 as_root true
@@ -66,4 +70,4 @@ if ! install_plainly; then
     die "the packages could not be installed (is the network there?); the whole log is in $log"
   }
 fi
-all_installed || die "apt reported success, but packages are still missing; the log is in $log"
+all_installed "${packages[@]}" || die "apt reported success, but packages are still missing; the log is in $log"

@@ -62,6 +62,8 @@ void SetThreadLanguage(uint32_t language) {
   SetThreadUILanguage(threadLanguage);
 }
 
+uint32_t ThreadLanguage() { return threadLanguage; }
+
 // Not LoadStringW: which of a thread's, a user's and a system's languages that one prefers differs between systems,
 // while this gives the same text on each.
 std::wstring LoadLocalizedString(unsigned id) {

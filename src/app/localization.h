@@ -17,5 +17,8 @@ bool ResolveUiLanguage(uint32_t candidate);
 // The language in which the calling thread loads strings from now on. Every thread calls it before its first string.
 void SetThreadLanguage(uint32_t language);
 
+// The language that the calling thread set last; English before that.
+uint32_t ThreadLanguage();
+
 // The text of a string resource (STR_...) in the calling thread's language, else in English, else empty. Any thread.
 std::wstring LoadLocalizedString(unsigned id);

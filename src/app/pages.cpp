@@ -30,6 +30,7 @@ void ReleasePage(SharedWord<PageControls*>& page, const KernelHandle& writer) {
 }
 
 void RemoveCurrentPage() {
+  app.currentPage = NoPage;  // what the controls tell their parent while they go concerns no page
   EnumChildWindows(app.mainWindow, DestroyChild, 0);
   ReleasePage(app.componentsPage, app.manifestThread);
   ReleasePage(app.installPage, app.workerThread);

@@ -1,12 +1,59 @@
 #include "install/finishing_tasks.h"
 
+#include <shlobj.h>
+#include <windows.h>
+
 #include "app/page_controls.h"
+#include "install/client_config.h"
+#include "install/shortcut.h"
+#include "install/task_text.h"
+#include "system/files.h"
+#include "system/path_names.h"
+#include "system/process.h"
 #include "system/text.h"
 
-void RunAddons(const Package& package, const std::string&) {
-  for (const std::string& name : package.addons) AppendLog(L"Processing installation addon: " + WidenBytes(name));
+namespace {
+
+// A piece of a task text, widened; empty when there are fewer pieces.
+std::wstring Piece(const std::vector<std::string>& pieces, size_t index) {
+  return index < pieces.size() ? WidenBytes(pieces[index]) : L"";
 }
 
-void CreateDesktopLink(const Package&, const std::wstring&) {}
+std::wstring DesktopFolder() {
+  wchar_t path[MAX_PATH];
+  return SHGetFolderPathW(nullptr, CSIDL_DESKTOP, nullptr, SHGFP_TYPE_CURRENT, path) == S_OK ? path : L"";
+}
 
-void RunExecuteTask(const Package&, const std::wstring&) {}
+// A manifest names files of its package; one that names something outside gets neither a shortcut nor a start.
+bool StaysInFolder(const std::wstring& name) {
+  if (IsSafeRelativePath(name)) return true;
+  AppendLog(L"[ERROR] Unsafe path (" + name + L")");
+  return false;
+}
+
+}  // namespace
+
+void RunAddons(const Package& package, const std::string& targetFolder) {
+  for (const std::string& name : package.addons) {
+    AppendLog(L"Processing installation addon: " + WidenBytes(name));
+    ApplyGameClientConfig(targetFolder, name);
+  }
+}
+
+void CreateDesktopLink(const Package& package, const std::wstring& targetFolder) {
+  const auto pieces = SplitTaskText(package.link);
+  if (!StaysInFolder(Piece(pieces, 0))) return;
+  const std::wstring program = JoinPath(targetFolder, Piece(pieces, 0));
+  if (!FileExistsNonEmpty(program)) return;
+  const std::wstring title = Piece(pieces, 1);
+  const std::wstring name = title.empty() ? LastComponent(program) : title;
+  const std::wstring desktop = DesktopFolder();
+  if (desktop.empty() || !StaysInFolder(name)) return;
+  CreateShortcut(program, JoinPath(desktop, name), Piece(pieces, 2));
+}
+
+void RunExecuteTask(const Package& package, const std::wstring& targetFolder) {
+  const auto pieces = SplitTaskText(package.execute);
+  if (pieces.empty() || !StaysInFolder(Piece(pieces, 0))) return;
+  RunProcess(false, false, JoinPath(targetFolder, Piece(pieces, 0)), Piece(pieces, 1));
+}

@@ -7,8 +7,8 @@
 #include "install/installation.h"
 #include "manifest/manifest_model.h"
 
-// The folder that the package goes into, created unless it belongs to a game that is already there; empty when there is
-// none.
+// The folder that the package goes into; empty when there is none. A folder below the installation folder is created;
+// when that fails, PlacePackage tells why.
 std::wstring ResolveTargetFolder(const Installation& run, const Package& package);
 
 struct PlacementResult {
@@ -16,6 +16,8 @@ struct PlacementResult {
   uint32_t error = 0;  // the system error that made it fail, 0 when there was none
 };
 
-// Extracts, copies or runs the package, runs its installer program and checks its verify list. When app.cancelRequested
-// is set meanwhile it returns early.
+// Extracts, copies or runs the package, runs its installer program and checks its verify list. When
+// app.cancelRequested is set after the extraction or copy, it returns at once and not ok, whatever was placed; set
+// later, it ends the installer program, and the package counts as placed. A package that names a path outside its
+// folder is refused.
 PlacementResult PlacePackage(Installation& run, const Package& package, const std::wstring& target);

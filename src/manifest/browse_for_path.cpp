@@ -1,3 +1,157 @@
 #include "manifest/browse_for_path.h"
 
-bool BrowseForPath(HWND, BrowseMode) { return false; }
+#include <commdlg.h>
+#include <shlobj.h>
+#include <shlwapi.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/context.h"
+#include "app/localization.h"
+#include "app/settings.h"
+#include "manifest/game_paths.h"
+#include "system/com.h"
+#include "system/files.h"
+#include "system/path_names.h"
+
+namespace {
+
+void ShowPickError(HWND owner, unsigned text) {
+  MessageBoxW(owner, LoadLocalizedString(text).c_str(), LoadLocalizedString(STR_ERROR).c_str(), MB_ICONERROR);
+}
+
+// Makes `folder` the one that the dialog opens in; a text that is no folder is passed over.
+void StartIn(IFileOpenDialog* dialog, const std::wstring& folder) {
+  ComPointer<IShellItem> item;
+  if (FAILED(SHCreateItemFromParsingName(folder.c_str(), nullptr, IID_PPV_ARGS(item.Receive())))) return;
+  dialog->SetDefaultFolder(item.Get());
+  dialog->SetFolder(item.Get());
+}
+
+std::optional<std::wstring> FileSystemPath(IShellItem* item) {
+  ComText path;
+  if (FAILED(item->GetDisplayName(SIGDN_FILESYSPATH, path.Receive()))) return std::nullopt;
+  return std::wstring(path.Get());
+}
+
+// The system's folder picker. Nothing when it was cancelled or could not be shown.
+std::optional<std::wstring> PickFolder(HWND owner, unsigned title, const std::wstring& startFolder) {
+  const ComSession session;
+  ComPointer<IFileOpenDialog> dialog;
+  if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_ALL, IID_PPV_ARGS(dialog.Receive())))) return {};
+  DWORD options = 0;
+  if (FAILED(dialog->GetOptions(&options))) return {};
+  dialog->SetOptions((options | FOS_PICKFOLDERS) & ~static_cast<DWORD>(FOS_PATHMUSTEXIST | FOS_FILEMUSTEXIST));
+  dialog->SetTitle(LoadLocalizedString(title).c_str());
+  StartIn(dialog.Get(), startFolder);
+  ComPointer<IShellItem> chosen;
+  if (FAILED(dialog->Show(owner)) || FAILED(dialog->GetResult(chosen.Receive()))) return {};
+  return FileSystemPath(chosen.Get());
+}
+
+// A folder that exists and fits the program's paths; otherwise the user was told.
+std::optional<std::wstring> PickUsableFolder(HWND owner, unsigned title, const std::wstring& startFolder) {
+  auto folder = PickFolder(owner, title, startFolder);
+  if (!folder) return {};
+  if (PathFileExistsW(folder->c_str()) && folder->size() <= kMaxPathLength) return folder;
+  ShowPickError(owner, STR_PATH_INVALID);
+  return {};
+}
+
+bool IsOnDesktop(const std::wstring& path) {
+  wchar_t desktop[MAX_PATH];
+  return SHGetFolderPathW(nullptr, CSIDL_DESKTOP, nullptr, SHGFP_TYPE_CURRENT, desktop) == S_OK &&
+         path.starts_with(desktop);
+}
+
+bool UserWantsAnotherFolder() {
+  const std::wstring text =
+      LoadLocalizedString(STR_DESKTOP_NOT_RECOMMENDED) + L"\n" + LoadLocalizedString(STR_SELECT_ANOTHER_DIRECTORY);
+  return MessageBoxW(app.mainWindow, text.c_str(), LoadLocalizedString(STR_FOLDER).c_str(), MB_YESNO) == IDYES;
+}
+
+bool BrowseForInstallFolder(HWND owner) {
+  std::optional<std::wstring> folder;
+  do {
+    folder = PickUsableFolder(owner, STR_BROWSE_INSTALL_FOLDER, *app.installPath.Get());
+    if (!folder) return false;
+  } while (IsOnDesktop(*folder) && UserWantsAnotherFolder());
+  app.installPath.Set(*folder);
+  SaveLastInstallPath();
+  return true;
+}
+
+bool BrowseForTempFolder(HWND owner) {
+  const auto folder = PickUsableFolder(owner, STR_BROWSE_TEMP_FOLDER, *app.tmpPath.Get());
+  if (!folder) return false;
+  app.tmpPath.Set(*folder);
+  SaveLastTmpPath();
+  return true;
+}
+
+bool BrowseForCacheFolder(HWND owner) {
+  auto folder = PickUsableFolder(owner, STR_SELECT_CACHE_FOLDER, gamePaths.mtaCacheFolder);
+  if (!folder) return false;
+  // The cache proper is the folder that holds "resources".
+  constexpr std::wstring_view kResources = L"resources";
+  if (folder->ends_with(kResources)) folder->resize(folder->size() - std::min(folder->size(), kResources.size() + 1));
+  if (!FileExistsNonEmpty(*folder + L"\\client.dll")) {
+    ShowPickError(owner, STR_FOLDER_NOT_VALID);
+    return false;
+  }
+  gamePaths.mtaCacheFolder = *folder;
+  return true;
+}
+
+// The system's picker for a file with one of these names, which are its filters too.
+std::optional<std::wstring> PickProgram(HWND owner, const std::vector<std::wstring>& names, const std::wstring& known) {
+  std::wstring filter;
+  for (const std::wstring& name : names) filter += name + L'\0' + name + L'\0';
+  const std::wstring title = LoadLocalizedString(STR_SELECT) + L" " + names.front();
+  wchar_t path[kMaxPathLength + 1] = {};
+  known.copy(path, kMaxPathLength);
+  OPENFILENAMEW dialog = {};
+  dialog.lStructSize = sizeof dialog;
+  dialog.hwndOwner = owner;
+  dialog.lpstrFilter = filter.c_str();
+  dialog.lpstrFile = path;
+  dialog.nMaxFile = kMaxPathLength + 1;
+  dialog.lpstrTitle = title.c_str();
+  // The picker must not move the process to the folder that the user browsed to.
+  dialog.Flags = OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
+  if (!GetOpenFileNameW(&dialog)) return {};
+  return std::wstring(path);
+}
+
+bool BrowseForProgram(HWND owner, const std::vector<std::wstring>& names, std::wstring& program, std::wstring& folder) {
+  const auto chosen = PickProgram(owner, names, program);
+  if (!chosen) return false;
+  if (std::find(names.begin(), names.end(), LastComponent(*chosen)) == names.end()) {
+    ShowPickError(owner, STR_FILE_NOT_SUITABLE);
+    return false;
+  }
+  program = *chosen;
+  folder = ParentFolder(*chosen);
+  return true;
+}
+
+}  // namespace
+
+bool BrowseForPath(HWND owner, BrowseMode mode) {
+  switch (mode) {
+    case BrowseMode::InstallFolder:
+      return BrowseForInstallFolder(owner);
+    case BrowseMode::TempFolder:
+      return BrowseForTempFolder(owner);
+    case BrowseMode::MtaExecutable:
+      return BrowseForProgram(owner, {L"Multi Theft Auto.exe"}, gamePaths.mtaExePath, gamePaths.mtaFolder);
+    case BrowseMode::GtaExecutable:
+      return BrowseForProgram(owner, {L"gta_sa.exe", L"gta-sa.exe"}, gamePaths.gtaExePath, gamePaths.gtaFolder);
+    case BrowseMode::MtaCacheFolder:
+      return BrowseForCacheFolder(owner);
+  }
+  return false;
+}

@@ -22,7 +22,7 @@ std::optional<std::wstring> ExistingGamesFolder() {
   // The roots one after the other, each with its terminator, and one terminator more.
   wchar_t roots[MAX_PATH] = {};
   const DWORD length = GetLogicalDriveStringsW(ARRAYSIZE(roots), roots);
-  if (length > ARRAYSIZE(roots)) return std::nullopt;
+  if (length >= ARRAYSIZE(roots)) return std::nullopt;
   for (const wchar_t* root = roots; *root; root += wcslen(root) + 1) {
     std::wstring folder = JoinPath(root, kGamesFolder);
     if (IsDirectory(folder)) return folder;

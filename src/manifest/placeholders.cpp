@@ -1,8 +1,41 @@
 #include "manifest/placeholders.h"
 
+#include <shlobj.h>
+#include <windows.h>
+
+#include <cstdlib>
+
+#include "app/context.h"
+#include "manifest/browse_for_path.h"
+#include "manifest/game_paths.h"
 #include "system/text.h"
 
-std::wstring ResolveFolderPlaceholder(const std::string&) { return {}; }
+namespace {
+
+// The known path, or what the user picks for it; empty when there is neither.
+std::wstring KnownOrPicked(const std::wstring& known, BrowseMode mode) {
+  if (known.empty() && !BrowseForPath(app.mainWindow, mode)) return {};
+  return known;
+}
+
+std::wstring SpecialFolder(int csidl) {
+  wchar_t path[MAX_PATH];
+  return SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, path) == S_OK ? path : L"";
+}
+
+}  // namespace
+
+std::wstring ResolveFolderPlaceholder(const std::string& folder) {
+  DetectGameInstallations(true);
+  if (folder == "{mtasa_folder}") return KnownOrPicked(gamePaths.mtaFolder, BrowseMode::MtaExecutable);
+  if (folder == "{mtasa_cache_folder}") return KnownOrPicked(gamePaths.mtaCacheFolder, BrowseMode::MtaCacheFolder);
+  if (folder == "{gtasa_folder}") return KnownOrPicked(gamePaths.gtaFolder, BrowseMode::GtaExecutable);
+  if (folder.starts_with('{') && folder.ends_with('}')) {
+    const long csidl = std::strtol(folder.c_str() + 1, nullptr, 10);
+    if (csidl != 0) return SpecialFolder(static_cast<int>(csidl));
+  }
+  return {};
+}
 
 std::string ExpandInstallPath(std::string text, const std::string& targetFolder) {
   ReplaceFirst(text, "{install_path}", targetFolder);

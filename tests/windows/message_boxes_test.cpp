@@ -5,11 +5,16 @@
 #include <future>
 
 #include "app/context.h"
+#include "app/localization.h"
 #include "app/site.h"
 #include "support/box_recorder.h"
+#include "support/replaced_import.h"
+#include "support/shell_recorder.h"
 #include "support/temp_folder.h"
 #include "system/error_message.h"
 #include "system/files.h"
+
+extern "C" decltype(&CreateDirectoryW) importedCreateDirectory __asm__("__imp__CreateDirectoryW@8");
 
 namespace {
 
@@ -34,7 +39,7 @@ std::vector<RecordedBox> BoxesOf(std::initializer_list<int> answers, Show show) 
   return recorder.Boxes();
 }
 
-// Removes "app.tmpPath" again, for the tests that come after.
+// Leaves no state of its own for the tests that come after.
 class MessageBoxes : public testing::Test {
  protected:
   ~MessageBoxes() override {
@@ -48,6 +53,17 @@ class MessageBoxes : public testing::Test {
 
 HWND CreateHiddenWindow() {
   return CreateWindowExW(0, L"Static", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+}
+
+// Folders can't be created for so many calls.
+int deniedCalls;
+decltype(&CreateDirectoryW) realCreateDirectory;
+
+BOOL WINAPI DenyFirstCalls(const wchar_t* path, SECURITY_ATTRIBUTES* security) {
+  if (deniedCalls == 0) return realCreateDirectory(path, security);
+  --deniedCalls;
+  SetLastError(ERROR_ACCESS_DENIED);
+  return FALSE;
 }
 
 bool TakePostedClose(HWND window) {
@@ -73,8 +89,10 @@ TEST_F(MessageBoxes, FixedTexts) {
   const auto boxes = BoxesOf({IDOK, IDOK, IDOK, IDOK}, [] {
     SetLastError(ERROR_DISK_FULL);
     ShowManifestError();
+    SetThreadLanguage(LANG_FRENCH);  // has no texts, so that looking for them leaves an error of its own
     SetLastError(0);
     ShowManifestError();
+    SetThreadLanguage(LANG_ENGLISH);
     ShowConnectionHint();
     ShowCorruptDiskMessage();
   });
@@ -120,8 +138,60 @@ TEST_F(MessageBoxes, TempFolderThatCannotBeMade) {
   EXPECT_EQ(result, 0);
   ASSERT_EQ(boxes.size(), 1u);
   EXPECT_EQ(boxes[0].caption, L"Error");
-  EXPECT_EQ(boxes[0].text, L"Error: 183\n" + SystemText(ERROR_ALREADY_EXISTS) + L"\nUnable to create a directory:\n" +
-                               path);
+  EXPECT_EQ(boxes[0].text,
+            L"Error: 183\n" + SystemText(ERROR_ALREADY_EXISTS) + L"\nUnable to create a directory:\n" + path);
+}
+
+TEST_F(MessageBoxes, DeniedTempFolderIsRepaired) {
+  const std::wstring path = folder_ / L"new";
+  app.tmpPath.Set(path);
+  const ReplacedImport createDirectory(importedCreateDirectory, DenyFirstCalls);
+  realCreateDirectory = createDirectory.Original();
+  const std::wstring denied = L"Error: 5\n" + SystemText(ERROR_ACCESS_DENIED) + L"\n";
+  struct Case {
+    int denials, answer;
+    DWORD repairError;
+    int result;
+    size_t repairs;
+    bool toldAgain;
+  };
+  const Case cases[] = {
+      {1, IDNO, 0, 0, 0, false},
+      {1, IDYES, ERROR_CANCELLED, 0, 1, false},
+      {2, IDYES, 0, 0, 1, true},
+      {1, IDYES, 0, 2, 1, false},
+  };
+  for (const Case& c : cases) {
+    deniedCalls = c.denials;
+    const ShellRecorder shell(c.repairError);
+    int result = -1;
+    const auto ensure = [&] { result = EnsureTempFolder(); };
+    const auto boxes = c.toldAgain ? BoxesOf({c.answer, IDOK}, ensure) : BoxesOf({c.answer}, ensure);
+    EXPECT_EQ(result, c.result);
+    EXPECT_EQ(shell.Starts().size(), c.repairs);
+    EXPECT_EQ(IsDirectory(path), c.result == 2);
+    ASSERT_EQ(boxes.size(), c.toldAgain ? 2u : 1u);
+    EXPECT_EQ(boxes[0].caption, L"Error");
+    EXPECT_EQ(boxes[0].text, denied + L"Unable to create a directory:\n" + path + L"\n\nFix permissions?");
+    EXPECT_EQ(boxes[0].buttons, (std::vector<int>{IDYES, IDNO}));
+    if (c.toldAgain) {
+      EXPECT_EQ(boxes[1].text, denied);
+    }
+  }
+}
+
+TEST_F(MessageBoxes, LatestVersionIsOpened) {
+  const ShellRecorder shell;
+  BoxesOf({IDYES, IDNO, IDYES}, [] {
+    PromptDownloadLatest(L"https://zendora.example/get");
+    PromptDownloadLatest(L"https://zendora.example/refused");
+    PromptDownloadLatest(L"");
+  });
+  ASSERT_EQ(shell.Starts().size(), 2u);
+  EXPECT_EQ(shell.Starts()[0].verb, L"open");
+  EXPECT_EQ(shell.Starts()[0].file, L"https://zendora.example/get");
+  EXPECT_EQ(shell.Starts()[0].showCommand, SW_SHOWNORMAL);
+  EXPECT_EQ(shell.Starts()[1].file, DownloadPageAddress());
 }
 
 TEST_F(MessageBoxes, LatestVersionIsOffered) {

@@ -1,0 +1,93 @@
+#include "app/main_menu.h"
+
+#include <windows.h>
+
+#include <string>
+
+#include "app/context.h"
+#include "app/localization.h"
+#include "manifest/manifest_store.h"
+#include "system/text.h"
+
+namespace {
+
+// Places in the menu bar.
+constexpr UINT kFilePlace = 0, kSourcesPlace = 1, kOptionsPlace = 2;
+enum class By : BOOL { Command = FALSE, Position = TRUE };
+
+// Gives an item its text and, where there is one, a popup, which the menu owns from then on.
+void SetItem(HMENU menu, UINT item, By by, const std::wstring& text, HMENU popup = nullptr) {
+  MENUITEMINFOW info{};
+  info.cbSize = sizeof(info);
+  info.fMask = MIIM_STRING | (popup ? MIIM_SUBMENU : 0u);
+  info.dwTypeData = const_cast<wchar_t*>(text.c_str());
+  info.hSubMenu = popup;
+  SetMenuItemInfoW(menu, item, static_cast<BOOL>(by), &info);
+}
+
+void AppendChoice(HMENU popup, UINT_PTR command, const std::wstring& text, bool chosen) {
+  AppendMenuW(popup, MF_STRING | (chosen ? MF_CHECKED : MF_UNCHECKED), command, text.c_str());
+}
+
+HMENU BuildLanguagePopup(uint32_t current) {
+  const HMENU popup = CreatePopupMenu();
+  for (const auto& [language, name] : UiLanguages()) AppendChoice(popup, language, name, language == current);
+  return popup;
+}
+
+// A title as a menu shows it whole: a single "&" would underline what follows it.
+std::wstring MenuTextOf(const std::string& title) {
+  std::wstring text;
+  for (const wchar_t character : WidenBytes(title)) text.append(character == L'&' ? 2 : 1, character);
+  return text;
+}
+
+HMENU BuildSourcePopup() {
+  const auto manifest = CurrentManifest();
+  const auto selected = app.selectedSource.Get();
+  const HMENU popup = CreatePopupMenu();
+  UINT_PTR command = kFirstSourceCommand;
+  for (const auto& [key, source] : manifest->sources) {
+    AppendChoice(popup, command++, MenuTextOf(source.title), key == *selected);
+  }
+  return popup;
+}
+
+// In the calling thread's language, which is `language`.
+HMENU BuildMenu(uint32_t language) {
+  const HMENU menu = LoadMenuW(app.instance, MAKEINTRESOURCEW(MENU_MAIN));
+  const auto& names = UiLanguages();
+  const auto name = names.find(language);
+  SetItem(menu, kFilePlace, By::Position, LoadLocalizedString(STR_FILE));
+  SetItem(menu, COMMAND_LANGUAGES, By::Command, name != names.end() ? name->second : std::wstring(),
+          BuildLanguagePopup(language));
+  SetItem(menu, COMMAND_ABOUT, By::Command, LoadLocalizedString(STR_HELP));
+  SetItem(menu, COMMAND_EXIT, By::Command, LoadLocalizedString(STR_EXIT));
+  SetItem(menu, kSourcesPlace, By::Position, LoadLocalizedString(STR_DOWNLOAD_SOURCE), BuildSourcePopup());
+  SetItem(menu, kOptionsPlace, By::Position, LoadLocalizedString(STR_OPTIONS));
+  SetItem(menu, COMMAND_SPEED_LIMIT, By::Command, LoadLocalizedString(STR_SET_SPEED_LIMIT));
+  SetItem(menu, COMMAND_TEMP_FOLDER, By::Command, LoadLocalizedString(STR_CHANGE_TEMP_FOLDER));
+  SetItem(menu, COMMAND_DELETE_APP_DATA, By::Command, LoadLocalizedString(STR_DELETE_APP_DATA));
+  return menu;
+}
+
+// A menu that is no window's is nobody's: what the window had, or the new one if the window is gone.
+void ReplaceMenu(HMENU menu) {
+  const HWND window = app.mainWindow;
+  const HMENU previous = GetMenu(window);
+  DestroyMenu(SetMenu(window, menu) ? previous : menu);
+}
+
+}  // namespace
+
+void BuildMainMenu() {
+  const uint32_t ownLanguage = ThreadLanguage();
+  uint32_t language;
+  // The manifest thread may be here while the user picks another language: the last menu is in the latest one.
+  do {
+    language = app.uiLanguage;
+    SetThreadLanguage(language);
+    ReplaceMenu(BuildMenu(language));
+  } while (language != app.uiLanguage);
+  SetThreadLanguage(ownLanguage);
+}

@@ -1,0 +1,240 @@
+#include "app/main_window.h"
+
+#include <commctrl.h>
+
+#include <string>
+#include <string_view>
+
+#include "app/about_dialog.h"
+#include "app/command_line.h"
+#include "app/commands.h"
+#include "app/context.h"
+#include "app/delete_app_data.h"
+#include "app/localization.h"
+#include "app/main_menu.h"
+#include "app/message_boxes.h"
+#include "app/page_controls.h"
+#include "app/pages.h"
+#include "app/settings.h"
+#include "app/shutdown.h"
+#include "app/single_instance.h"
+#include "app/speed_limit_dialog.h"
+#include "app/theme.h"
+#include "app/ui_language.h"
+#include "manifest/browse_for_path.h"
+#include "manifest/component_list.h"
+#include "manifest/manifest_retrieval.h"
+#include "system/threads.h"
+
+namespace {
+
+constexpr int kWindowWidth = 600, kWindowHeight = 480;
+
+// A command line that a second instance forwards. What a sender wrote beyond its own buffer is not read.
+void OnCopyData(WPARAM kind, const COPYDATASTRUCT& data) {
+  if (kind != kCopyDataCommandLine || data.dwData == 0 || !data.lpData) return;
+  const std::wstring_view buffer(static_cast<const wchar_t*>(data.lpData), data.cbData / sizeof(wchar_t));
+  ParseCommandLine(buffer.substr(0, buffer.find(L'\0')));
+}
+
+void OnInfoTip(NMLVGETINFOTIPW& request) {
+  const std::wstring tooltip = ComponentTooltip(request.iItem);
+  if (tooltip.empty() || request.cchTextMax <= 0) return;
+  const size_t length = tooltip.copy(request.pszText, static_cast<size_t>(request.cchTextMax) - 1);
+  request.pszText[length] = L'\0';
+}
+
+LRESULT OnNotify(LPARAM lParam) {
+  const auto header = reinterpret_cast<NMHDR*>(lParam);
+  switch (header->code) {
+    case HDN_BEGINTRACKW:
+      return TRUE;  // the column keeps its width
+    case LVN_GETINFOTIPW:
+      OnInfoTip(*reinterpret_cast<NMLVGETINFOTIPW*>(lParam));
+      return 0;
+    case LVN_ITEMCHANGED:
+      if (reinterpret_cast<const NMLISTVIEW*>(lParam)->uNewState & LVIS_STATEIMAGEMASK) UpdateTotalSize();
+      return 0;
+    case NM_DBLCLK:
+      CheckOnlyComponent(reinterpret_cast<const NMITEMACTIVATE*>(lParam)->iItem);
+      return 0;
+    default:
+      return 0;
+  }
+}
+
+void OnComponentsPageClick(const ComponentsPageControls& page, HWND control) {
+  if (control == page.selectFolderButton.Window()) {
+    if (BrowseForPath(app.mainWindow, BrowseMode::InstallFolder)) page.installPathEdit.SetText(*app.installPath.Get());
+  } else if (control == page.installButton.Window()) {
+    StartInstallation();
+  }
+}
+
+void OnInstallPageClick(const InstallPageControls& page, HWND control) {
+  if (control == page.deleteTmpCheckbox.Window()) {
+    app.deleteTmpFiles = page.deleteTmpCheckbox.IsChecked();
+    SaveDeleteTmpFiles();
+  } else if (control == page.cancelButton.Window()) {
+    CancelOrExit();
+  }
+}
+
+void OnClick(HWND control) {
+  if (app.updateInProgress) {
+    SetLastError(ERROR_SUCCESS);  // nothing failed; an old error would get into the text
+    PromptDownloadLatest({});
+  } else if (app.currentPage == ComponentsPage) {
+    OnComponentsPageClick(*app.componentsPage, control);
+  } else if (app.currentPage == InstallPage) {
+    OnInstallPageClick(*app.installPage, control);
+  }
+}
+
+// False when the system is to see the command too.
+bool OnMenuCommand(HWND window, int id) {
+  switch (id) {
+    case COMMAND_ABOUT:
+      AboutDialog();
+      return true;
+    case COMMAND_EXIT:
+      DestroyWindow(window);
+      return true;
+    case COMMAND_TEMP_FOLDER:
+      BrowseForPath(window, BrowseMode::TempFolder);
+      return true;
+    case COMMAND_SPEED_LIMIT:
+      SpeedLimitDialog();
+      return true;
+    case COMMAND_DELETE_APP_DATA:
+      DeleteAppData();
+      return true;
+    default:
+      break;
+  }
+  if (id >= kFirstSourceCommand) {
+    SelectSource(id - kFirstSourceCommand);
+  } else if (UiLanguages().contains(static_cast<uint32_t>(id))) {
+    SetUiLanguage(static_cast<uint32_t>(id));
+  }
+  return false;
+}
+
+LRESULT OnCommand(HWND window, WPARAM wParam, LPARAM lParam) {
+  const WORD notification = HIWORD(wParam);
+  if (notification == EN_CHANGE) return 0;
+  if (notification == BN_CLICKED && lParam) {
+    OnClick(reinterpret_cast<HWND>(lParam));
+  } else if (OnMenuCommand(window, LOWORD(wParam))) {
+    return 0;
+  }
+  return DefWindowProcW(window, WM_COMMAND, wParam, lParam);
+}
+
+LRESULT OnControlColors(UINT message, HDC dc) {
+  if (message == WM_CTLCOLORDLG || message == WM_CTLCOLORSTATIC) SetBkMode(dc, TRANSPARENT);
+  return reinterpret_cast<LRESULT>(message == WM_CTLCOLORBTN ? DarkButtonColors(dc) : DarkStaticColors(dc));
+}
+
+LRESULT OnFramePaint(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  const LRESULT result = DefWindowProcW(window, message, wParam, lParam);
+  if (app.darkMode) PaintLineUnderMenuBar(window);
+  return result;
+}
+
+LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_NCCREATE:
+      app.mainWindow = window;  // from the first message on
+      break;
+    case WM_DESTROY:
+      OnDestroy();
+      return 0;
+    case WM_CLOSE:
+      if (!OnCloseRequest()) return 0;
+      break;
+    case WM_ERASEBKGND:
+      EraseBackground(window, reinterpret_cast<HDC>(wParam));
+      return 1;
+    case WM_ENDSESSION:
+      if (wParam) OnEndSession(lParam);
+      return 0;
+    case WM_SETTINGCHANGE:
+      OnMainWindowSettingChange(lParam);
+      return 0;
+    case WM_COPYDATA:
+      OnCopyData(wParam, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+      return 0;
+    case WM_NOTIFY:
+      return OnNotify(lParam);
+    case WM_COMMAND:
+      return OnCommand(window, wParam, lParam);
+    case WM_NCPAINT:
+    case WM_NCACTIVATE:
+      return OnFramePaint(window, message, wParam, lParam);
+    case kDrawMenuBarMessage:
+    case kDrawMenuBarItemMessage:
+      if (app.darkMode && DrawMenuBarPart(window, message, lParam)) return TRUE;
+      break;
+    case WM_CTLCOLOREDIT:
+    case WM_CTLCOLORBTN:
+    case WM_CTLCOLORDLG:
+    case WM_CTLCOLORSTATIC:
+      return OnControlColors(message, reinterpret_cast<HDC>(wParam));
+    case WM_THEMECHANGED:
+      ForgetMenuTheme();
+      return 0;
+    default:
+      break;
+  }
+  return DefWindowProcW(window, message, wParam, lParam);
+}
+
+HICON LoadApplicationIcon(HINSTANCE instance, int widthMetric, int heightMetric) {
+  return static_cast<HICON>(LoadImageW(instance, MAKEINTRESOURCEW(ICON_APPLICATION), IMAGE_ICON,
+                                       GetSystemMetrics(widthMetric), GetSystemMetrics(heightMetric), LR_SHARED));
+}
+
+void MeasureDesktop() {
+  RECT desktop{};
+  GetClientRect(GetDesktopWindow(), &desktop);
+  app.desktopWidth = desktop.right;
+  app.desktopHeight = desktop.bottom;
+}
+
+}  // namespace
+
+void RegisterMainWindowClass(HINSTANCE instance) {
+  const INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS | ICC_BAR_CLASSES};
+  InitCommonControlsEx(&controls);
+  WNDCLASSEXW description{};
+  description.cbSize = sizeof(description);
+  description.style = CS_HREDRAW | CS_VREDRAW;
+  description.lpfnWndProc = MainWindowProc;
+  description.hInstance = instance;
+  description.hIcon = LoadApplicationIcon(instance, SM_CXICON, SM_CYICON);
+  description.hIconSm = LoadApplicationIcon(instance, SM_CXSMICON, SM_CYSMICON);
+  description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  description.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
+  description.lpszMenuName = MAKEINTRESOURCEW(MENU_MAIN);
+  description.lpszClassName = kWindowClassName;
+  RegisterClassExW(&description);
+}
+
+bool CreateMainWindow(HINSTANCE instance, int showCommand) {
+  app.instance = instance;
+  MeasureDesktop();
+  const HWND window = CreateWindowExW(0, kWindowClassName, LoadLocalizedString(STR_PRODUCT_TITLE).c_str(),
+                                      WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN,
+                                      (app.desktopWidth - kWindowWidth) / 2, (app.desktopHeight - kWindowHeight) / 2,
+                                      kWindowWidth, kWindowHeight, nullptr, nullptr, instance, nullptr);
+  if (!window) return false;
+  if (app.darkMode) AllowDarkMode(window);
+  ShowComponentsPage();
+  SetUiLanguage(app.uiLanguage);
+  SetForegroundWindow(window);
+  ShowWindow(window, showCommand);
+  UpdateWindow(window);
+  StartThreadOnce(app.manifestThread, ManifestThreadProc);
+  return true;
+}

@@ -1,0 +1,51 @@
+#include "app/shutdown.h"
+
+#include "app/context.h"
+#include "app/pages.h"
+#include "app/theme.h"
+#include "system/process.h"
+
+namespace {
+
+// So many requests to close end the program even while an installation runs.
+constexpr uint32_t kInsistentCloseAttempts = 5;
+
+std::wstring RelaunchCommandLine() {
+  const wchar_t* separator = app.restartArgs.empty() || app.commandLine.empty() ? L"" : L" ";
+  return app.restartArgs + separator + app.commandLine;
+}
+
+}  // namespace
+
+bool OnCloseRequest() {
+  app.closeAttempts.Add(1);
+  app.cancelRequested = true;
+  if (app.closeReason == NotEnding && InSendMessage()) app.closeReason = ClosedByMessage;
+  if (app.installRunning && !app.restartRequested && app.closeAttempts < kInsistentCloseAttempts) {
+    ShowClosingPage();
+    return false;
+  }
+  return true;
+}
+
+void OnEndSession(LPARAM flags) {
+  const auto reasons = static_cast<DWORD>(flags);
+  if (reasons & ENDSESSION_CLOSEAPP) {
+    app.closeReason = ClosedByApplication;
+  } else if (reasons & ENDSESSION_CRITICAL) {
+    app.closeReason = CriticalShutdown;
+  } else if (reasons & ENDSESSION_LOGOFF) {
+    app.closeReason = LogOff;
+  } else {
+    app.closeReason = SystemShutdown;
+  }
+}
+
+void OnDestroy() {
+  DeleteThemeBrushes();
+  if (app.instanceMutex) ReleaseMutex(app.instanceMutex.Get());
+  app.instanceMutex.Reset();
+  if (app.restartRequested) RunProcess(app.restartElevated, true, app.exePath, RelaunchCommandLine());
+  // Last, because a pending WM_QUIT would close the box that reports a failed relaunch before it is read.
+  PostQuitMessage(0);
+}

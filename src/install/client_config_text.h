@@ -1,0 +1,18 @@
+// The text of the game client's configuration file. No Windows header: also built natively.
+#pragma once
+
+#include <string>
+
+struct ClientConfigValues {
+  std::string nick;  // empty values are not filled in
+  std::string displayResolution;
+  std::string screenshotPath;
+  std::string locale;
+};
+
+// Fills the first empty element of each kind with its value; what holds something stays. Returns how many were filled.
+int FillClientConfig(std::string& text, const ClientConfigValues& values);
+
+// What reading and writing a file in text mode does to line ends: CR LF becomes LF, and LF becomes CR LF.
+std::string FromTextFile(const std::string& bytes);
+std::string ToTextFile(const std::string& text);

@@ -1,0 +1,92 @@
+#include "install/install_task.h"
+
+#include <shellapi.h>
+#include <windows.h>
+
+#include <vector>
+
+#include "app/context.h"
+#include "app/localization.h"
+#include "app/message_boxes.h"
+#include "app/page_controls.h"
+#include "install/package_download.h"
+#include "install/task_text.h"
+#include "net/telemetry_reports.h"
+#include "system/files.h"
+#include "system/handles.h"
+#include "system/path_names.h"
+#include "system/text.h"
+
+namespace {
+
+constexpr DWORD kPollMs = 100;
+// The label goes through its dots in so many polls, a new dot every kPollsPerDot.
+constexpr int kPollsPerCycle = 16;
+constexpr int kPollsPerDot = 5;
+constexpr int kDots = 3;
+
+// A program by path, with its command line: a blank and the arguments, or nothing.
+struct InstallerCommand {
+  std::wstring program, arguments;
+};
+
+InstallerCommand CommandOf(const Installation& run, const Package& package, const std::wstring& target) {
+  const std::vector<std::string> pieces = SplitTaskText(package.install);
+  InstallerCommand command;
+  command.program = JoinPath(target, WidenBytes(pieces[0]));
+  if (!FileExistsNonEmpty(command.program)) command.program = PackageFilePath(run, package.filename);
+  if (pieces.size() > 1) command.arguments = L" " + WidenBytes(pieces[1]);
+  return command;
+}
+
+// Returns 0 and the process, or the system error.
+DWORD Start(InstallerCommand command, KernelHandle& process) {
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION info;
+  // The system may write into the command line.
+  if (!CreateProcessW(command.program.c_str(), command.arguments.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                      &startup, &info)) {
+    return GetLastError();
+  }
+  CloseHandle(info.hThread);
+  process.Reset(info.hProcess);
+  return ERROR_SUCCESS;
+}
+
+void WaitForEnd(HANDLE process) {
+  const Label& label = static_cast<InstallPageControls*>(app.installPage)->totalDetailLabel;
+  const std::wstring text = LoadLocalizedString(STR_INSTALLER_RUNNING);
+  label.SetText(text);
+
+  bool running = WaitForSingleObject(process, 0) != WAIT_OBJECT_0;
+  for (int poll = 0; running && !app.cancelRequested; poll = (poll + 1) % kPollsPerCycle) {
+    const int dots = poll / kPollsPerDot + 1;
+    if (poll % kPollsPerDot == 0 && dots <= kDots) label.SetText(text + std::wstring(static_cast<size_t>(dots), L'.'));
+    running = WaitForSingleObject(process, kPollMs) != WAIT_OBJECT_0;
+  }
+  if (running) TerminateProcess(process, 0);
+}
+
+// Asks whether the user wants to see the program's file, to start it by hand.
+void OfferManualStart(const std::wstring& program) {
+  const std::wstring text = LoadLocalizedString(STR_CANNOT_START_PROCESS) + L"\n\n" +
+                            LoadLocalizedString(STR_START_MANUALLY) + L":\n" + program + L"\n\n" +
+                            LoadLocalizedString(STR_OPEN) + L"?";
+  if (ShowBox(text, LoadLocalizedString(STR_ERROR), MB_YESNO | MB_ICONERROR) != IDYES) return;
+  ShellExecuteW(nullptr, nullptr, L"explorer.exe", (L"/select, " + program).c_str(), nullptr, SW_SHOWDEFAULT);
+}
+
+}  // namespace
+
+uint32_t RunInstallTask(Installation& run, const Package& package, const std::wstring& target) {
+  const InstallerCommand command = CommandOf(run, package, target);
+  KernelHandle process;
+  if (const DWORD error = Start(command, process)) {
+    run.errorRecords += InstallerNotStartedRecord(package.filename, error);
+    OfferManualStart(command.program);
+    return error;
+  }
+  WaitForEnd(process.Get());
+  return ERROR_SUCCESS;
+}

@@ -1,0 +1,328 @@
+#include "install/installation_run.h"
+
+#include <atomic>
+#include <memory>
+
+#include "app/context.h"
+#include "app/localization.h"
+#include "app/message_boxes.h"
+#include "app/page_controls.h"
+#include "app/site.h"
+#include "install/finishing_tasks.h"
+#include "install/installation.h"
+#include "install/package_download.h"
+#include "install/package_placement.h"
+#include "install/registry_items.h"
+#include "install/run_display.h"
+#include "install/transfer_status.h"
+#include "manifest/game_paths.h"
+#include "manifest/manifest_store.h"
+#include "system/files.h"
+#include "system/path_names.h"
+#include "system/text.h"
+
+// The story starts at the end of this file.
+
+namespace {
+
+constexpr wchar_t kNothing[] = L"-";
+
+// The package as the manifest has it now; null when it isn't listed. It stays as it is when the manifest is replaced.
+std::shared_ptr<const Package> FindPackage(const std::string& filename) {
+  const auto manifest = CurrentManifest();
+  const auto found = manifest->packages.find(filename);
+  if (found == manifest->packages.end()) return nullptr;
+  return {manifest, &found->second};
+}
+
+void AppendToList(std::string& list, const std::string& filename) {
+  if (!list.empty()) list += ',';
+  list += filename;
+}
+
+// --- Before the run
+
+// The folder of the game that this package would install, if the game is there; else empty.
+std::wstring ExistingGameFolder(const std::string& filename) {
+  if (filename == kGtaPackage && FileExistsNonEmpty(gamePaths.gtaExePath)) return gamePaths.gtaFolder;
+  if (filename == kMtaPackage && FileExistsNonEmpty(gamePaths.mtaExePath)) return gamePaths.mtaFolder;
+  return {};
+}
+
+void AskReinstallIntoExistingFolders(Installation& run) {
+  if (!DetectGameInstallations(false)) return;
+  std::wstring list;
+  for (const std::string& filename : *app.installList.Get()) {
+    const auto package = FindPackage(filename);
+    const std::wstring folder = ExistingGameFolder(filename);
+    if (!package || folder.empty()) continue;
+    run.existingFolders[filename] = folder;
+    list += package->title + L"\n> " + folder + L"\n\n";
+  }
+  if (list.empty()) return;
+  const std::wstring text =
+      LoadLocalizedString(STR_COMPONENTS_FOUND) + L":\n\n" + list + LoadLocalizedString(STR_REINSTALL_EXISTING);
+  if (ShowBox(text, LoadLocalizedString(STR_COMPONENTS), MB_YESNO | MB_ICONQUESTION) != IDYES) {
+    run.existingFolders.clear();
+  }
+}
+
+void TakeOverOptions(Installation& run) {
+  run.installList = *app.installList.Get();
+  run.installPath = *app.installPath.Get();
+  run.tmpPath = *app.tmpPath.Get();
+  run.selectedSource = *app.selectedSource.Get();
+  run.initialLimitKB = app.maxDownloadSpeedKB;
+  run.startTick = GetTickCount64();
+  run.reports.SetUrl(TelemetryAddress());
+  run.downloads.SetSpeedLimit(app.speedLimitBytes);
+  run.downloads.SetGzipEnabled(false);
+}
+
+void ShowRunStart(const Installation& run) {
+  AppendLog(L"Installation directory: " + run.installPath);
+  AppendLog(L"Temporary directory: " + run.tmpPath);
+  if (run.initialLimitKB != 0) AppendLog(L"Speed limit: " + std::to_wstring(run.initialLimitKB) + L" KB/s");
+  ShowTotalText(LoadLocalizedString(STR_WAITING_FOR_DOWNLOAD));
+  ShowPackageDetail(kNothing);
+  ShowTotalDetail(kNothing);
+  ShowPackageProgress(0, 1);
+  ShowTotalProgress(0, 1);
+}
+
+void AddUpPackages(Installation& run) {
+  uint64_t downloadTotal = 0;
+  for (const std::string& filename : run.installList) {
+    const auto package = FindPackage(filename);
+    if (!package) continue;
+    downloadTotal += static_cast<uint64_t>(package->size);
+    run.upsizeTotal += static_cast<uint64_t>(package->upsize);
+    AppendToList(run.installedList, filename);
+    run.packageStats[filename] = {};
+  }
+  transferStatus.downloadTotal = downloadTotal;
+  transferStatus.downloadedBefore = 0;
+}
+
+// --- Reports
+
+void SendStartReport(Installation& run) {
+  StartReport report;
+  report.uuid = app.uuid;
+  report.packages = run.installedList;
+  report.downloadTotal = transferStatus.downloadTotal;
+  report.installPath = run.installPath;
+  report.selectedSource = run.selectedSource;
+  report.limitKB = app.maxDownloadSpeedKB;
+  report.reinstall = !run.existingFolders.empty();
+  report.selectionFromUser = app.selectionFromUser;
+  run.reports.PostForm(BuildStartReport(report));
+}
+
+PhaseEnd DescribePhaseEnd(const Installation& run) {
+  PhaseEnd end;
+  end.uuid = app.uuid;
+  end.cancelled = app.cancelRequested;
+  end.closeReason = app.closeReason;
+  end.elapsedMs = GetTickCount64() - run.startTick;
+  const uint32_t limit = app.maxDownloadSpeedKB;
+  if (limit != run.initialLimitKB) end.changedLimitKB = limit;
+  end.deleteTmpFiles = app.deleteTmpFiles;
+  end.statsField = BuildStatsField(run.packageStats);
+  end.errorRecords = run.errorRecords;
+  return end;
+}
+
+// A phase that went smoothly is not worth a report.
+void SendDownloadReport(Installation& run) {
+  if (run.errorRecords.empty() && !app.cancelRequested) return;
+  run.reports.PostForm(BuildDownloadReport(DescribePhaseEnd(run)));
+}
+
+void SendInstallReport(Installation& run) {
+  run.reports.PostForm(BuildInstallReport(DescribePhaseEnd(run), run.installedList));
+}
+
+// --- Downloading
+
+void DownloadPackages(Installation& run) {
+  const size_t count = run.installList.size();
+  for (size_t i = 0; i < count;) {
+    const auto package = FindPackage(run.installList[i]);
+    const DownloadOutcome outcome = package ? DownloadPackage(run, *package, i, count) : DownloadOutcome::Done;
+    switch (outcome) {
+      case DownloadOutcome::Done:
+        ++i;
+        break;
+      case DownloadOutcome::Redo:
+      case DownloadOutcome::FailedRetry:
+        break;
+      case DownloadOutcome::FailedStop:
+      case DownloadOutcome::Cancelled:
+        return;
+    }
+  }
+}
+
+// --- Installing
+
+enum class InstallOutcome { Handled, TryAgain, Cancelled };
+
+void ApplyRegistryPhase(const Package& package, RegistryPhase phase, const std::string& target) {
+  const RegistryCounts counts = ApplyRegistryItems(package, phase, target);
+  if (counts.attempted == 0) return;
+  AppendLog(std::wstring(L"Registry items processed (") + (phase == RegistryPhase::Pre ? L"pre" : L"post") + L"): " +
+            std::to_wstring(counts.succeeded) + L" / " + std::to_wstring(counts.attempted));
+}
+
+void FinishPackage(Installation& run, const Package& package, const std::wstring& target) {
+  AppendToList(run.installedList, package.filename);
+  ShowTotalDetail(LoadLocalizedString(STR_FINISHING_PACKAGE));
+  const std::string targetUtf8 = WideToUtf8(target);
+  ApplyRegistryPhase(package, RegistryPhase::Post, targetUtf8);
+  RunAddons(package, targetUtf8);
+  if (!package.link.empty()) CreateDesktopLink(package, target);
+  if (!package.execute.empty()) RunExecuteTask(package, target);
+}
+
+void CountAsHandled(Installation& run, const Package& package) {
+  run.upsizeDone += static_cast<uint64_t>(package.upsize);
+  ShowTotalProgress(run.upsizeDone, run.upsizeTotal);
+}
+
+bool AskToInstallAgain(const Package& package, uint32_t error) {
+  ShowTotalDetail(LoadLocalizedString(STR_ERROR));
+  return AskToTryAgain(STR_INSTALLATION_ERROR, package, error);
+}
+
+InstallOutcome InstallPackage(Installation& run, const Package& package, size_t index, size_t count) {
+  ShowTotalText(PackageHeadline(STR_INSTALLING_PACKAGE, package, index, count));
+  ShowTotalDetail(kNothing);
+  const std::wstring target = ResolveTargetFolder(run, package);
+  if (target.empty()) {
+    run.errorRecords += TargetMissingRecord(package.filename);
+    AppendLog(L"Extraction path not found (" + WidenBytes(package.filename) + L")");
+    return InstallOutcome::Handled;
+  }
+  if (app.cancelRequested) return InstallOutcome::Cancelled;
+
+  AppendLog(L"Extracting package: " + package.title);
+  AppendLog(L"Target location: " + target);
+  ApplyRegistryPhase(package, RegistryPhase::Pre, WideToUtf8(target));
+  if (app.cancelRequested) return InstallOutcome::Cancelled;
+
+  const PlacementResult placement = PlacePackage(run, package, target);
+  if (placement.ok) {
+    FinishPackage(run, package, target);
+  } else if (app.cancelRequested) {
+    return InstallOutcome::Cancelled;
+  } else if (AskToInstallAgain(package, placement.error)) {
+    return InstallOutcome::TryAgain;
+  }
+  CountAsHandled(run, package);
+  return InstallOutcome::Handled;
+}
+
+void ShowInstallStart() {
+  ShowPackageText(LoadLocalizedString(STR_DOWNLOAD_COMPLETED));
+  ShowPackageDetail(kNothing);
+  ShowPackageProgress(1, 1);
+}
+
+void ShowInstallEnd() {
+  const bool cancelled = app.cancelRequested;
+  ShowTotalText(LoadLocalizedString(cancelled ? STR_INSTALLATION_CANCELLED : STR_INSTALLATION_FINISHED));
+  ShowTotalProgress(cancelled ? 0 : 1, 1);
+  ShowTotalDetail(kNothing);
+  AppendLog(cancelled ? L"Installation cancelled" : L"Installation finished");
+}
+
+void InstallPackages(Installation& run) {
+  const size_t count = run.installList.size();
+  for (size_t i = 0; i < count && !app.cancelRequested;) {
+    const auto package = FindPackage(run.installList[i]);
+    const InstallOutcome outcome = package ? InstallPackage(run, *package, i, count) : InstallOutcome::Handled;
+    if (outcome == InstallOutcome::Cancelled) return;
+    if (outcome == InstallOutcome::Handled) ++i;
+  }
+}
+
+// --- Leaving
+
+void DeleteTemporaryFiles(const Installation& run) {
+  for (const std::string& filename : run.installList) {
+    if (!FindPackage(filename) || !IsSafeFileName(WidenBytes(filename))) continue;
+    const std::wstring file = PackageFilePath(run, filename);
+    DeleteFileW(StatRecordPath(file).c_str());
+    DeleteFileW(file.c_str());
+  }
+}
+
+// Hands the window back. True when it waits for that in order to close: it is then asked once more.
+bool LeaveRun() {
+  app.installRunning = false;
+  // Either the window sees that no run keeps it, or the close request that it put off is seen here.
+  std::atomic_thread_fence(std::memory_order_seq_cst);
+  if (app.closeAttempts == 0) return false;
+  PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
+  return true;
+}
+
+void LeaveCancelledDownloads() {
+  if (LeaveRun()) return;
+  ShowPackageText(LoadLocalizedString(STR_INSTALLATION_CANCELLED));
+  ShowPackageDetail(kNothing);
+  ShowPackageProgress(0, 1);
+}
+
+void LeaveInstallPhase(const Installation& run) {
+  if (LeaveRun()) return;
+  if (app.deleteTmpFiles) DeleteTemporaryFiles(run);
+  app.cancelRequested = true;
+  OfferExit();
+}
+
+// --- The phases
+
+void BeginRun(Installation& run) {
+  app.installRunning = true;
+  TakeOverOptions(run);
+  CreateDirectories(run.tmpPath);  // the user may have deleted it since start-up
+  ShowRunStart(run);
+  AddUpPackages(run);
+  SendStartReport(run);
+}
+
+void RunDownloadPhase(Installation& run) {
+  ArmSpeedTimer();
+  DownloadPackages(run);
+  StopSpeedTimer();
+  SendDownloadReport(run);
+}
+
+void RunInstallPhase(Installation& run) {
+  run.errorRecords.clear();
+  run.installedList.clear();
+  ShowInstallStart();
+  InstallPackages(run);
+  ShowInstallEnd();
+  SendInstallReport(run);
+}
+
+}  // namespace
+
+void RunInstallation() {
+  Installation run;
+  AskReinstallIntoExistingFolders(run);
+  BeginRun(run);
+  RunDownloadPhase(run);
+  if (app.cancelRequested) return LeaveCancelledDownloads();
+  RunInstallPhase(run);
+  LeaveInstallPhase(run);
+}
+
+DWORD WINAPI InstallThreadProc(void*) {
+  SetThreadLanguage(app.uiLanguage);
+  RunInstallation();
+  return 0;
+}

@@ -1,0 +1,241 @@
+#include "install/package_download.h"
+
+#include <windows.h>
+
+#include "app/context.h"
+#include "app/localization.h"
+#include "app/message_boxes.h"
+#include "app/page_controls.h"
+#include "install/run_display.h"
+#include "install/source_attempt.h"
+#include "install/stat_record.h"
+#include "install/transfer_status.h"
+#include "manifest/manifest_retrieval.h"
+#include "manifest/manifest_store.h"
+#include "net/error_text.h"
+#include "net/file_hash.h"
+#include "net/network_errors.h"
+#include "system/files.h"
+#include "system/handles.h"
+#include "system/path_names.h"
+#include "system/text.h"
+
+// The story starts at the end of this file.
+
+namespace {
+
+// How one source went; a failure says why.
+struct SourceOutcome {
+  enum { Done, Failed, Redo, Cancelled } state;
+  uint32_t error = 0;
+};
+
+std::string HashPackageFile(const std::wstring& file) {
+  transferStatus.lastHashPercent = 0;
+  transferStatus.retryCount = 0;  // the data is here, so nothing tells of a bad connection any more
+  transferStatus.hashing = true;
+  return ComputeFileMd5(file, OnHashProgress);
+}
+
+// Downloads fail in this way when the manifest is older than what the sources offer.
+void RefreshManifest() {
+  AppendLog(L"Downloading packages manifest");
+  if (FetchManifest() && LoadManifest(true) > 0) AppendLog(L"Packages manifest updated successfully");
+}
+
+// `hash` is empty when none was computed.
+SourceOutcome OnMismatch(PackageDownload& download, const std::string& source, const HttpResult& result,
+                         uint64_t fileSize, const std::string& hash) {
+  Installation& run = download.run;
+  run.errorRecords +=
+      MismatchRecord(download.package.filename, source, result.statusCode, fileSize, hash, run.manifestRefreshed);
+  download.offset = ResumeOffset(download);
+  if (run.manifestRefreshed) return {SourceOutcome::Failed, ERROR_INVALID_DATA};
+  run.manifestRefreshed = true;
+  RefreshManifest();
+  return {SourceOutcome::Redo};
+}
+
+SourceOutcome CheckDownloadedFile(PackageDownload& download, const std::string& source, const HttpResult& result) {
+  const uint64_t fileSize = FileSize(download.file);
+  download.stats.downloaded = PercentOf(fileSize, download.size);
+  AppendLog(L"Downloaoded: " + std::to_wstring(fileSize) + L" / " + std::to_wstring(download.size));
+  ShowPackageDetail(LoadLocalizedString(STR_CHECKING_FILE));
+  if (fileSize != download.size) {
+    AppendLog(L"Size mismatch (" + std::to_wstring(fileSize) + L")");
+    return OnMismatch(download, source, result, fileSize, {});
+  }
+  const std::string hash = HashPackageFile(download.file);
+  if (app.cancelRequested) return {SourceOutcome::Cancelled};
+  if (hash == download.package.md5) {
+    AppendLog(L"Hash is ok (" + WidenBytes(hash) + L")");
+    return {SourceOutcome::Done};
+  }
+  AppendLog(L"Hash mismatch (" + WidenBytes(hash) + L")");
+  return OnMismatch(download, source, result, fileSize, hash);
+}
+
+void OnTransferWithoutData(PackageDownload& download, const std::string& source, const HttpResult& result) {
+  download.offset = ResumeOffset(download);
+  download.run.errorRecords +=
+      NoDataRecord(download.package.filename, source, result.statusCode, FileSize(download.file));
+  AppendLog(L"Http code: " + std::to_wstring(result.statusCode));
+}
+
+void OnTransferError(PackageDownload& download, const std::string& source, const HttpResult& result) {
+  download.offset = ResumeOffset(download);
+  download.run.errorRecords +=
+      TransferErrorRecord(download.package.filename, source, result.statusCode, result.error, FileSize(download.file));
+  AppendLog(L"Error code: " + std::to_wstring(result.error));
+  const std::wstring description = GetErrorText(result.error);
+  if (!description.empty()) AppendLog(L"Error message: " + description);
+
+  if (result.error == kErrorNameNotResolved) {
+    ShowConnectionHint();
+  } else if (result.error == ERROR_FILE_CORRUPT || result.error == ERROR_DISK_CORRUPT) {
+    ShowCorruptDiskMessage();
+    DeleteFileW(download.file.c_str());
+    download.offset = 0;
+  }
+}
+
+void ShowSourceStart(const std::string& source) {
+  AppendLog(L"Trying source: " + WidenBytes(source));
+  ShowPackageDetail(LoadLocalizedString(STR_STARTING_DOWNLOAD));
+  transferStatus.lastTickBytes = 0;
+  transferStatus.currentFileBytes = 0;
+  transferStatus.currentSpeed = 0;
+  transferStatus.retryCount = 0;
+  transferStatus.hashing = false;
+}
+
+SourceOutcome TrySource(PackageDownload& download, const std::string& source) {
+  ShowSourceStart(source);
+  if (source != download.run.selectedSource) download.stats.source = source;
+  download.stats.downloaded = PercentOf(download.offset, download.size);
+
+  const HttpResult result = TransferFromSource(download, WidenBytes(download.package.sources.at(source)));
+  if (result.cancelled || app.cancelRequested) return {SourceOutcome::Cancelled};
+  if (result.error != 0) {
+    OnTransferError(download, source, result);
+    return {SourceOutcome::Failed, result.error};
+  }
+  if (result.received == 0) {
+    OnTransferWithoutData(download, source, result);
+    return {SourceOutcome::Failed, ERROR_HTTP_INVALID_SERVER_RESPONSE};
+  }
+  if (download.package.md5.empty()) return {SourceOutcome::Done};
+  return CheckDownloadedFile(download, source, result);
+}
+
+// The selected source first, the others in key order.
+std::vector<std::string> SourceOrder(const PackageDownload& download) {
+  const auto& sources = download.package.sources;
+  const std::string& selected = download.run.selectedSource;
+  std::vector<std::string> order;
+  if (sources.contains(selected)) order.push_back(selected);
+  for (const auto& [key, url] : sources) {
+    if (key != selected) order.push_back(key);
+  }
+  return order;
+}
+
+SourceOutcome TrySources(PackageDownload& download) {
+  SourceOutcome outcome{SourceOutcome::Failed, ERROR_NOT_FOUND};
+  for (const std::string& source : SourceOrder(download)) {
+    outcome = TrySource(download, source);
+    if (outcome.state != SourceOutcome::Failed) break;
+  }
+  return outcome;
+}
+
+void WriteStatRecord(const PackageDownload& download) {
+  const FileHandle file(CreateFileW(StatRecordPath(download.file).c_str(), FILE_GENERIC_WRITE, FILE_SHARE_WRITE,
+                                    nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_HIDDEN, nullptr));
+  if (!file) return;
+  const std::string record = FormatStatRecord(download.size, download.package.md5);
+  DWORD written = 0;
+  WriteFile(file.Get(), record.data(), static_cast<DWORD>(record.size()), &written, nullptr);
+}
+
+// Whether the file that is there was begun for exactly this package.
+bool HasMatchingRecord(const PackageDownload& download) {
+  if (download.package.md5.empty() || !PathExists(download.file)) return false;
+  const auto record = ReadWholeFile(StatRecordPath(download.file));
+  return record && StatRecordMatches(*record, download.size, download.package.md5);
+}
+
+// What is there belongs to another version of the package, or to nothing that can be proven: no transfer may go on
+// with it. The record is written before the first one, so that a later run can resume even after a crash.
+void StartOver(const PackageDownload& download) {
+  DeleteFileW(download.file.c_str());
+  if (!download.package.md5.empty()) WriteStatRecord(download);
+}
+
+// True when an earlier run has brought the whole file. Otherwise download.offset tells where to go on.
+bool IsAlreadyDownloaded(PackageDownload& download) {
+  if (!HasMatchingRecord(download)) {
+    StartOver(download);
+    return false;
+  }
+  if (FileSize(download.file) == download.size) {
+    ShowPackageDetail(LoadLocalizedString(STR_CHECKING_FILE));
+    const std::string hash = HashPackageFile(download.file);
+    if (app.cancelRequested) return false;
+    const bool right = hash == download.package.md5;
+    AppendLog((right ? L"File exists. Hash is ok (" : L"File exists. Hash mismatch (") + WidenBytes(hash) + L")");
+    return right;
+  }
+  download.offset = ResumeOffset(download);
+  if (download.offset != 0) AppendLog(L"Resuming download process from: " + std::to_wstring(download.offset));
+  return false;
+}
+
+DownloadOutcome OnDone(const PackageDownload& download) {
+  transferStatus.downloadedBefore.Add(download.size);
+  ShowPackageProgress(transferStatus.downloadedBefore, transferStatus.downloadTotal);
+  return DownloadOutcome::Done;
+}
+
+DownloadOutcome OnAllSourcesFailed(const Package& package, uint32_t error) {
+  if (AskToTryAgain(STR_DOWNLOAD_ERROR, package, error)) return DownloadOutcome::FailedRetry;
+  app.cancelRequested = true;
+  OfferExit();
+  return DownloadOutcome::FailedStop;
+}
+
+}  // namespace
+
+std::wstring PackageFilePath(const Installation& run, const std::string& filename) {
+  return JoinPath(run.tmpPath, WidenBytes(filename));
+}
+
+std::wstring StatRecordPath(const std::wstring& packageFilePath) { return packageFilePath + L".stat"; }
+
+DownloadOutcome DownloadPackage(Installation& run, const Package& package, size_t index, size_t count) {
+  ShowPackageText(PackageHeadline(STR_DOWNLOADING_PACKAGE, package, index, count));
+  const std::wstring filename = WidenBytes(package.filename);
+  AppendLog(L"Processing package: " + filename);
+  if (!IsSafeFileName(filename)) {
+    AppendLog(L"[ERROR] Unsafe file name (" + filename + L")");
+    return OnAllSourcesFailed(package, ERROR_INVALID_NAME);
+  }
+
+  PackageDownload download{run, package, run.packageStats[package.filename], static_cast<uint64_t>(package.size),
+                           PackageFilePath(run, package.filename)};
+  if (IsAlreadyDownloaded(download)) return OnDone(download);
+  if (app.cancelRequested) return DownloadOutcome::Cancelled;
+
+  const SourceOutcome outcome = TrySources(download);
+  switch (outcome.state) {
+    case SourceOutcome::Done:
+      return OnDone(download);
+    case SourceOutcome::Redo:
+      return DownloadOutcome::Redo;
+    case SourceOutcome::Cancelled:
+      return DownloadOutcome::Cancelled;
+    case SourceOutcome::Failed:
+      break;
+  }
+  return OnAllSourcesFailed(package, outcome.error);
+}
