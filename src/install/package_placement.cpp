@@ -21,9 +21,7 @@ namespace {
 constexpr char kZipType[] = "application/x-zip-compressed";
 constexpr char kInstallerType[] = "application/x-msdownload";
 
-void LogUnsafePath(const std::wstring& path) {
-  AppendLog(L"[ERROR] Unsafe path (" + path + L")");
-}
+void LogUnsafePath(const std::wstring& path) { AppendLog(L"[ERROR] Unsafe path (" + path + L")"); }
 
 // The first path that would lead out of the folder it belongs to. An empty piece stands for that folder itself.
 std::optional<std::wstring> FindUnsafePath(const Package& package) {
