@@ -81,9 +81,7 @@ bool CanWriteMachineSoftware(REGSAM view) {
 
 }  // namespace
 
-void ProbeAdministrator() {
-  app.isAdmin = CanWriteMachineSoftware(KEY_WOW64_32KEY) || CanWriteMachineSoftware(0);
-}
+void ProbeAdministrator() { app.isAdmin = CanWriteMachineSoftware(KEY_WOW64_32KEY) || CanWriteMachineSoftware(0); }
 
 void ProbeEnvironment() {
   ProbePaths();

@@ -287,6 +287,7 @@ void LeaveInstallPhase(const Installation& run) {
 void BeginRun(Installation& run) {
   app.installRunning = true;
   TakeOverOptions(run);
+  CreateDirectories(run.tmpPath);  // the user may have deleted it since start-up
   ShowRunStart(run);
   AddUpPackages(run);
   SendStartReport(run);

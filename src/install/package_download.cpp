@@ -24,8 +24,6 @@
 
 namespace {
 
-constexpr uint32_t kErrorInvalidServerResponse = 12152;  // a server that answers without data
-
 // How one source went; a failure says why.
 struct SourceOutcome {
   enum { Done, Failed, Redo, Cancelled } state;
@@ -34,6 +32,7 @@ struct SourceOutcome {
 
 std::string HashPackageFile(const std::wstring& file) {
   transferStatus.lastHashPercent = 0;
+  transferStatus.retryCount = 0;  // the data is here, so nothing tells of a bad connection any more
   transferStatus.hashing = true;
   return ComputeFileMd5(file, OnHashProgress);
 }
@@ -123,7 +122,7 @@ SourceOutcome TrySource(PackageDownload& download, const std::string& source) {
   }
   if (result.received == 0) {
     OnTransferWithoutData(download, source, result);
-    return {SourceOutcome::Failed, kErrorInvalidServerResponse};
+    return {SourceOutcome::Failed, ERROR_HTTP_INVALID_SERVER_RESPONSE};
   }
   if (download.package.md5.empty()) return {SourceOutcome::Done};
   return CheckDownloadedFile(download, source, result);
@@ -211,9 +210,7 @@ std::wstring PackageFilePath(const Installation& run, const std::string& filenam
   return JoinPath(run.tmpPath, WidenBytes(filename));
 }
 
-std::wstring StatRecordPath(const std::wstring& packageFilePath) {
-  return packageFilePath + L".stat";
-}
+std::wstring StatRecordPath(const std::wstring& packageFilePath) { return packageFilePath + L".stat"; }
 
 DownloadOutcome DownloadPackage(Installation& run, const Package& package, size_t index, size_t count) {
   ShowPackageText(PackageHeadline(STR_DOWNLOADING_PACKAGE, package, index, count));

@@ -75,10 +75,7 @@ PlacementResult PlacePackage(Installation& run, const Package& package, const st
     return {.error = ERROR_INVALID_NAME};
   }
   PlacementResult result = PlaceFiles(run, package, target);
-  if (app.cancelRequested) {
-    result.cancelled = true;
-    return result;
-  }
+  if (app.cancelRequested) return {};
   static_cast<InstallPageControls*>(app.installPage)->totalDetailLabel.SetText(L"-");
 
   if (!package.install.empty()) {

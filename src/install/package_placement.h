@@ -13,11 +13,11 @@ std::wstring ResolveTargetFolder(const Installation& run, const Package& package
 
 struct PlacementResult {
   bool ok = false;
-  // app.cancelRequested was found set after the extraction or copy: nothing further was done.
-  bool cancelled = false;
   uint32_t error = 0;  // the system error that made it fail, 0 when there was none
 };
 
-// Extracts, copies or runs the package, runs its installer program and checks its verify list. An installer program
-// that is ended by app.cancelRequested counts as placed. A package that names a path outside its folder is refused.
+// Extracts, copies or runs the package, runs its installer program and checks its verify list. When
+// app.cancelRequested is set after the extraction or copy, it returns at once and not ok, whatever was placed; set
+// later, it ends the installer program, and the package counts as placed. A package that names a path outside its
+// folder is refused.
 PlacementResult PlacePackage(Installation& run, const Package& package, const std::wstring& target);

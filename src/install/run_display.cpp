@@ -18,25 +18,13 @@ void SetBar(ProgressBar InstallPageControls::*bar, uint64_t done, uint64_t total
 
 }  // namespace
 
-void ShowPackageText(const std::wstring& text) {
-  SetLabel(&InstallPageControls::packageLabel, text);
-}
-void ShowPackageDetail(const std::wstring& text) {
-  SetLabel(&InstallPageControls::packageDetailLabel, text);
-}
-void ShowTotalText(const std::wstring& text) {
-  SetLabel(&InstallPageControls::totalLabel, text);
-}
-void ShowTotalDetail(const std::wstring& text) {
-  SetLabel(&InstallPageControls::totalDetailLabel, text);
-}
+void ShowPackageText(const std::wstring& text) { SetLabel(&InstallPageControls::packageLabel, text); }
+void ShowPackageDetail(const std::wstring& text) { SetLabel(&InstallPageControls::packageDetailLabel, text); }
+void ShowTotalText(const std::wstring& text) { SetLabel(&InstallPageControls::totalLabel, text); }
+void ShowTotalDetail(const std::wstring& text) { SetLabel(&InstallPageControls::totalDetailLabel, text); }
 
-void ShowPackageProgress(uint64_t done, uint64_t total) {
-  SetBar(&InstallPageControls::packageProgress, done, total);
-}
-void ShowTotalProgress(uint64_t done, uint64_t total) {
-  SetBar(&InstallPageControls::totalProgress, done, total);
-}
+void ShowPackageProgress(uint64_t done, uint64_t total) { SetBar(&InstallPageControls::packageProgress, done, total); }
+void ShowTotalProgress(uint64_t done, uint64_t total) { SetBar(&InstallPageControls::totalProgress, done, total); }
 
 void OfferExit() {
   if (InstallPageControls* const page = app.installPage) page->cancelButton.SetText(LoadLocalizedString(STR_EXIT));

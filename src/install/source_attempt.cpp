@@ -68,7 +68,7 @@ uint32_t PercentOf(uint64_t part, uint64_t whole) {
   return percent < UINT32_MAX ? static_cast<uint32_t>(percent) : UINT32_MAX;
 }
 
-HttpResult TransferFromSource(PackageDownload& download, std::wstring url) {
+HttpResult TransferFromSource(PackageDownload& download, const std::wstring& url) {
   const HttpResult result = Attempt(download, url);
   if (result.cancelled || app.cancelRequested) return result;
   if (result.error == kErrorSecureChannel && url.starts_with(L"https")) {

@@ -26,7 +26,7 @@ uint32_t PercentOf(uint64_t part, uint64_t whole);
 // Transfers the file from `url`, starting at download.offset. An https address whose secure channel fails is tried once
 // over http; a brief outage is bridged by up to 60 retries without data. The outcome is that of the last attempt;
 // `cancelled` also when the run was cancelled between attempts.
-HttpResult TransferFromSource(PackageDownload& download, std::wstring url);
+HttpResult TransferFromSource(PackageDownload& download, const std::wstring& url);
 
 // What waits before a retry: one second, or until the run is cancelled. Tests replace it.
 extern void (*pauseBeforeRetry)();

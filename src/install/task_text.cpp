@@ -2,6 +2,4 @@
 
 #include "system/text.h"
 
-std::vector<std::string> SplitTaskText(std::string_view text) {
-  return SplitKeepingEmpty(text, '|');
-}
+std::vector<std::string> SplitTaskText(std::string_view text) { return SplitKeepingEmpty(text, '|'); }

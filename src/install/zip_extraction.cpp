@@ -139,7 +139,8 @@ void UnpackOpenEntry(Extraction& x) {
   if (x.zipResult != 0) {
     Fault(x, L"Unable to get file info (zip)");
   } else if (info.size != 0) {
-    entry = {.name = EntryPath(info.name), .size = info.size};
+    entry.name = EntryPath(info.name);
+    entry.size = info.size;
     if (IsSafeRelativePath(entry.name)) {
       entryWritten = WriteEntry(x, entry);
     } else {

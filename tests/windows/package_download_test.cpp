@@ -320,7 +320,7 @@ TEST_F(PackageDownloadTest, BridgesAnOutage) {
   EXPECT_EQ(log[3], L"Hash is ok (9e107d9d372bb6826bd81d3542a419d6)");
   EXPECT_EQ(Ranges(), (::Ranges{"", "bytes=20-"}));
   EXPECT_EQ(pauses, 4);
-  EXPECT_EQ(transferStatus.retryCount, 4u);
+  EXPECT_EQ(transferStatus.retryCount, 0u) << "the display would tell of a bad connection while hashing";
   EXPECT_EQ(run_.errorRecords, "");
 }
 
@@ -512,6 +512,7 @@ TEST_F(PackageDownloadTest, StopsWhereverItIsCancelled) {
     package_.size = 9000;
     std::thread canceller([&] {
       EXPECT_TRUE(scenario_.server.WaitForStall());
+      while (transferStatus.currentFileBytes == 0) Sleep(1);
       app.cancelRequested = true;
       scenario_.server.Resume();
     });

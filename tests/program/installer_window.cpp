@@ -1,0 +1,200 @@
+#include "program/installer_window.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "resource.h"
+#include "system/handles.h"
+
+namespace {
+
+constexpr UINT kAnswerLimitMs = 5000;
+
+// SendMessage with a limit, so that a program that hangs fails a test instead of hanging it.
+LRESULT Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+  DWORD_PTR result = 0;
+  SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kAnswerLimitMs, &result);
+  return static_cast<LRESULT>(result);
+}
+
+std::wstring ClassOf(HWND window) {
+  wchar_t name[64] = L"";
+  GetClassNameW(window, name, ARRAYSIZE(name));
+  return name;
+}
+
+DWORD ProcessOf(HWND window) {
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  return process;
+}
+
+BOOL CALLBACK CollectWindow(HWND window, LPARAM list) {
+  reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+  return TRUE;
+}
+
+std::vector<HWND> TopLevelWindows() {
+  std::vector<HWND> windows;
+  EnumWindows(CollectWindow, reinterpret_cast<LPARAM>(&windows));
+  return windows;
+}
+
+std::vector<HWND> VisibleChildren(HWND parent) {
+  std::vector<HWND> children;
+  if (!IsWindow(parent)) return children;  // for null, the system would list the top-level windows
+  EnumChildWindows(parent, CollectWindow, reinterpret_cast<LPARAM>(&children));
+  std::erase_if(children, [](HWND child) { return !IsWindowVisible(child); });
+  return children;
+}
+
+HWND VisibleChildOfClass(HWND parent, const wchar_t* windowClass) {
+  for (const HWND child : VisibleChildren(parent)) {
+    if (lstrcmpiW(ClassOf(child).c_str(), windowClass) == 0) return child;
+  }
+  return nullptr;
+}
+
+// Memory in another process. Messages above WM_USER carry pointers, which the receiver reads as its own.
+class RemoteMemory {
+ public:
+  RemoteMemory(DWORD process, size_t size)
+      : process_(OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, process)),
+        address_(VirtualAllocEx(process_.Get(), nullptr, size, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE)) {}
+  ~RemoteMemory() {
+    if (address_) VirtualFreeEx(process_.Get(), address_, 0, MEM_RELEASE);
+  }
+  RemoteMemory(const RemoteMemory&) = delete;
+  RemoteMemory& operator=(const RemoteMemory&) = delete;
+
+  char* Address() const { return static_cast<char*>(address_); }
+  bool Write(size_t offset, const void* data, size_t size) const {
+    return address_ && WriteProcessMemory(process_.Get(), Address() + offset, data, size, nullptr);
+  }
+  bool Read(size_t offset, void* data, size_t size) const {
+    return address_ && ReadProcessMemory(process_.Get(), Address() + offset, data, size, nullptr);
+  }
+
+ private:
+  KernelHandle process_;
+  void* address_;
+};
+
+std::wstring RowTitle(HWND list, int row) {
+  constexpr int kLength = 260;
+  const RemoteMemory memory(ProcessOf(list), sizeof(LVITEMW) + kLength * sizeof(wchar_t));
+  LVITEMW item{};
+  item.pszText = reinterpret_cast<wchar_t*>(memory.Address() + sizeof item);
+  item.cchTextMax = kLength;
+  wchar_t text[kLength + 1] = L"";
+  if (!memory.Write(0, &item, sizeof item)) return {};
+  Ask(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(memory.Address()));
+  memory.Read(sizeof item, text, kLength * sizeof(wchar_t));
+  return text;
+}
+
+}  // namespace
+
+bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() >= deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(15));
+  }
+  return true;
+}
+
+HWND FindInstallerWindow(DWORD process) {
+  for (const HWND window : TopLevelWindows()) {
+    if (ClassOf(window) == kWindowClassName && (process == 0 || ProcessOf(window) == process)) return window;
+  }
+  return nullptr;
+}
+
+Page PageOf(HWND window) {
+  if (!IsWindow(window)) return NoPage;
+  if (VisibleChildOfClass(window, WC_LISTVIEWW)) return ComponentsPage;
+  if (VisibleChildOfClass(window, PROGRESS_CLASSW)) return InstallPage;
+  return VisibleChildOfClass(window, WC_STATICW) ? ClosingPage : NoPage;
+}
+
+HWND ChildAt(HWND window, const wchar_t* windowClass, int x, int y) {
+  for (const HWND child : VisibleChildren(window)) {
+    RECT place = {};
+    GetWindowRect(child, &place);
+    POINT corner = {place.left, place.top};
+    ScreenToClient(window, &corner);
+    if (corner.x == x && corner.y == y && lstrcmpiW(ClassOf(child).c_str(), windowClass) == 0) return child;
+  }
+  return nullptr;
+}
+
+HWND BottomButton(HWND window) { return ChildAt(window, WC_BUTTONW, 242, 386); }
+
+std::wstring ShownText(HWND window) {
+  const auto length = static_cast<size_t>(Ask(window, WM_GETTEXTLENGTH));
+  std::wstring text(length + 1, L'\0');
+  text.resize(static_cast<size_t>(Ask(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+  return text;
+}
+
+std::vector<std::wstring> LogLines(HWND window) {
+  const std::wstring text = ShownText(GetDlgItem(window, EDIT_LOG));
+  std::vector<std::wstring> lines;
+  for (size_t start = 0, end; (end = text.find(L"\r\n", start)) != std::wstring::npos; start = end + 2) {
+    lines.push_back(text.substr(start, end - start));
+  }
+  return lines;
+}
+
+bool LogHas(HWND window, const std::wstring& line) {
+  const std::vector<std::wstring> lines = LogLines(window);
+  return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+void Press(HWND button) { PostMessageW(button, BM_CLICK, 0, 0); }
+
+void ChooseCommand(HWND window, int command) { PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(command), 0); }
+
+std::vector<ComponentRow> ComponentRows(HWND window) {
+  const HWND list = VisibleChildOfClass(window, WC_LISTVIEWW);
+  std::vector<ComponentRow> rows;
+  const auto count = static_cast<int>(Ask(list, LVM_GETITEMCOUNT));
+  for (int i = 0; i < count; ++i) {
+    const LRESULT state = Ask(list, LVM_GETITEMSTATE, static_cast<WPARAM>(i), LVIS_STATEIMAGEMASK);
+    rows.push_back({RowTitle(list, i), state == INDEXTOSTATEIMAGEMASK(2)});
+  }
+  return rows;
+}
+
+void CheckRow(HWND window, int row, bool checked) {
+  const HWND list = VisibleChildOfClass(window, WC_LISTVIEWW);
+  const RemoteMemory memory(ProcessOf(list), sizeof(LVITEMW));
+  LVITEMW item{};
+  item.stateMask = LVIS_STATEIMAGEMASK;
+  item.state = static_cast<UINT>(INDEXTOSTATEIMAGEMASK(checked ? 2 : 1));
+  if (!memory.Write(0, &item, sizeof item)) return;
+  Ask(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(memory.Address()));
+}
+
+InstallerBox FindBox(DWORD process) {
+  for (const HWND window : TopLevelWindows()) {
+    if (ProcessOf(window) != process || !IsWindowVisible(window) || ClassOf(window) != L"#32770") continue;
+    InstallerBox box{window, ShownText(window), L""};
+    // The icon is a static without text.
+    for (const HWND child : VisibleChildren(window)) {
+      if (lstrcmpiW(ClassOf(child).c_str(), WC_STATICW) == 0) box.text += ShownText(child);
+    }
+    return box;
+  }
+  return {};
+}
+
+void AnswerBox(const InstallerBox& box, int button) {
+  // Windows gives the only button of an MB_OK box the number of Cancel, so that Escape presses it.
+  HWND control = GetDlgItem(box.window, button);
+  if (!control && button == IDOK) control = GetDlgItem(box.window, IDCANCEL);
+  Press(control);
+}

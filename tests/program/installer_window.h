@@ -1,0 +1,53 @@
+// The shipping program's window, seen and operated from another process as a person would. Handles belong to that
+// process; every function copes with a window that is gone, and none waits longer than a few seconds for an answer.
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/context.h"
+
+// Asks again every few milliseconds until the condition holds; false when it doesn't within the limit.
+bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit = std::chrono::seconds(20));
+
+// The main window of a process, or of any with 0; null when there is none (yet).
+HWND FindInstallerWindow(DWORD process = 0);
+
+// Which page it shows; NoPage when it is gone.
+Page PageOf(HWND window);
+
+// The visible child of a class at a place in the client area; null when there is none.
+HWND ChildAt(HWND window, const wchar_t* windowClass, int x, int y);
+// The only button at the bottom of the components and the installation page: Install, Cancel or Exit.
+HWND BottomButton(HWND window);
+
+// What a window or control shows. Empty when it doesn't answer.
+std::wstring ShownText(HWND window);
+// The log of the installation page, without line ends.
+std::vector<std::wstring> LogLines(HWND window);
+bool LogHas(HWND window, const std::wstring& line);
+
+// Presses a button or chooses a menu command. They don't wait until the program has acted.
+void Press(HWND button);
+void ChooseCommand(HWND window, int command);
+
+// The rows of the components list.
+struct ComponentRow {
+  std::wstring title;
+  bool checked = false;
+};
+std::vector<ComponentRow> ComponentRows(HWND window);
+void CheckRow(HWND window, int row, bool checked);
+
+// A message box or dialog of a process.
+struct InstallerBox {
+  HWND window = nullptr;  // null: there is none
+  std::wstring caption, text;
+};
+InstallerBox FindBox(DWORD process);
+// Presses one of its buttons: IDOK, IDYES, ...
+void AnswerBox(const InstallerBox& box, int button);

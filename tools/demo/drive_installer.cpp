@@ -1,0 +1,102 @@
+// Watches and operates a running installer for the scripts that show it, one step a call:
+//   drive_installer wait components|install|closing   until the page is there and filled
+//   drive_installer show TEXT                         until a detail line of the installation contains the text
+//   drive_installer finish                            until the installation has ended
+//   drive_installer log | boxes                       prints the log, or the message boxes that wait for an answer
+//   drive_installer close                             closes the window, and waits until it is gone
+//   drive_installer ask-close                         only asks it to close
+// The status is 0 when what was waited for happened. A message box that nobody will answer ends every wait.
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "program/installer_window.h"
+#include "system/text.h"
+
+namespace {
+
+constexpr std::chrono::minutes kLimit{5};
+
+void Print(const std::wstring& line) { std::printf("%s\n", WideToUtf8(line).c_str()); }
+
+DWORD ProcessOf(HWND window) {
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  return process;
+}
+
+// Waits while nothing asks for a person; true when the condition came to hold.
+bool Await(const std::function<bool(HWND window)>& condition) {
+  bool met = false;
+  const bool ended = WaitUntil(
+      [&] {
+        const HWND window = FindInstallerWindow();
+        met = window && condition(window);
+        return met || (window && FindBox(ProcessOf(window)).window);
+      },
+      kLimit);
+  if (!met) std::fprintf(stderr, ended ? "a message box waits for an answer\n" : "it takes too long\n");
+  return met;
+}
+
+bool AwaitPage(Page page) {
+  return Await([page](HWND window) {
+    return PageOf(window) == page && (page != ComponentsPage || IsWindowEnabled(BottomButton(window)));
+  });
+}
+
+bool AwaitText(std::wstring_view text) {
+  return Await([text](HWND window) {
+    for (const HWND label : {ChildAt(window, L"Static", 10, 54), ChildAt(window, L"Static", 10, 123)}) {
+      if (ShownText(label).find(text) != std::wstring::npos) return true;
+    }
+    return false;
+  });
+}
+
+bool AwaitEnd() {
+  // The last thing that an installation does is to rename its button.
+  return Await([](HWND window) {
+    return (LogHas(window, L"Installation finished") || LogHas(window, L"Installation cancelled")) &&
+           ShownText(BottomButton(window)) == L"Exit";
+  });
+}
+
+bool PrintLog() {
+  const HWND window = FindInstallerWindow();
+  for (const std::wstring& line : LogLines(window)) Print(line);
+  return window != nullptr;
+}
+
+bool PrintBoxes() {
+  const InstallerBox box = FindBox(ProcessOf(FindInstallerWindow()));
+  if (box.window) Print(L"[" + box.caption + L"] " + box.text);
+  return true;
+}
+
+bool Close() {
+  PostMessageW(FindInstallerWindow(), WM_CLOSE, 0, 0);
+  return WaitUntil([] { return !FindInstallerWindow(); }, kLimit);
+}
+
+bool AskToClose() { return PostMessageW(FindInstallerWindow(), WM_CLOSE, 0, 0); }
+
+bool Run(std::string_view step, std::string_view argument) {
+  if (step == "wait" && argument == "components") return AwaitPage(ComponentsPage);
+  if (step == "wait" && argument == "install") return AwaitPage(InstallPage);
+  if (step == "wait" && argument == "closing") return AwaitPage(ClosingPage);
+  if (step == "show") return AwaitText(Utf8ToWide(argument));
+  if (step == "finish") return AwaitEnd();
+  if (step == "log") return PrintLog();
+  if (step == "boxes") return PrintBoxes();
+  if (step == "close") return Close();
+  if (step == "ask-close") return AskToClose();
+  std::fprintf(stderr, "unknown step\n");
+  return false;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) { return Run(argc > 1 ? argv[1] : "", argc > 2 ? argv[2] : "") ? 0 : 1; }

@@ -1,0 +1,86 @@
+#!/usr/bin/env bash
+# The demo without a desktop: pictures of the pages in every language, and an installation of everything. Ends with
+# status 0 only if every file that the manifest promised is there with the right content. Called by ./run.
+source "$(dirname "$0")/common.sh"
+
+program=$build/release/ZendoraInstaller.exe
+output=$build/run
+settings='HKCU\Software\Zendora Installer'
+
+set_number() { wine reg add "$1" /v "$2" /t REG_DWORD /d "$3" /f >/dev/null 2>&1; }
+drive() { wine "$build/release/drive_installer.exe" "$@"; }
+# There is no window manager here to draw the title bar, so Wine does.
+wine reg add 'HKCU\Software\Wine\X11 Driver' /v Decorated /d N /f >/dev/null 2>&1
+
+start_installer() {
+  wine "$program" "$@" &
+  installer=$!
+}
+
+# Photographs the window, title bar included.
+picture() {
+  local window
+  window=$(xdotool search --onlyvisible --name '^Zendora Installer$' | tail -n 1)
+  import -window "$window" "$output/$1.png"
+}
+
+give_up() {
+  say "$1; the log so far:"
+  drive log || true
+  drive boxes || true
+  kill "$installer" 2>/dev/null || true
+  exit 1
+}
+
+show_languages() {
+  local language
+  for language in 7:german 10:spanish 21:polish 22:portuguese 25:russian 31:turkish 9:english; do
+    set_number "$settings" Language "${language%%:*}"
+    start_installer
+    drive wait components || give_up "the list of components did not appear"
+    picture "components-${language#*:}"
+    drive close
+    wait "$installer" || give_up "the installer ended with status $?"
+  done
+}
+
+install_everything() {
+  # Slow enough to be seen.
+  set_number "$settings" MaxDownloadSpeed 1000
+  start_installer "install:$(cat "$build/demo/packages.txt")" source:main
+  drive show 'Speed: ' || give_up "no transfer was seen"
+  picture installation
+  drive finish || give_up "the installation did not end"
+  picture finished
+  drive log >"$output/log.txt"
+  drive close
+  wait "$installer" || give_up "the installer ended with status $?"
+}
+
+# The closing page stays for as long as the worker waits for the server.
+show_closing_page() {
+  kill -STOP "$ZENDORA_DEMO_SERVER"
+  start_installer install:zendora-guide.txt
+  drive wait install || give_up "the installation did not start"
+  drive ask-close
+  drive wait closing || give_up "the closing page did not appear"
+  picture closing
+  kill -CONT "$ZENDORA_DEMO_SERVER"
+  wait "$installer" || give_up "the installer ended with status $?"
+}
+
+say "taking pictures of the components page"
+show_languages
+say "installing everything"
+install_everything
+show_closing_page
+
+printf '\nThe log of the window:\n'
+sed 's/^/  /' "$output/log.txt"
+printf '\nWhat the server was asked for:\n'
+sed 's/^/  /' "$output/access.log"
+printf '\nInstalled:\n'
+status=0
+"$root/tools/demo-site" check "$WINEPREFIX/drive_c" || status=1
+printf '\nPictures: %s/*.png\n' "$output"
+exit $status
