@@ -29,10 +29,13 @@ target_include_directories(windows_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(windows_tests PRIVATE zendora gtest ws2_32)
 
 file(GLOB program_tests CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/program/*.cpp)
-add_executable(program_tests ${program_tests})
+set(support_dir ${CMAKE_SOURCE_DIR}/tests/support)
+add_executable(program_tests ${program_tests}
+  ${support_dir}/scripted_server.cpp ${support_dir}/temp_folder.cpp ${support_dir}/zip_builder.cpp)
 set_project_options(program_tests)
 target_include_directories(program_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-target_link_libraries(program_tests PRIVATE zendora gtest_main)
+target_link_libraries(program_tests PRIVATE zendora gtest_main ws2_32)
+add_dependencies(program_tests ZendoraInstaller)
 
 # What the demo needs: an installer program to be installed by ours, and hands for its window.
 add_executable(demo_setup_program WIN32 ${CMAKE_SOURCE_DIR}/tools/demo/setup_program.cpp)

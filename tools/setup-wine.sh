@@ -23,4 +23,6 @@ find "$wine_prefix/drive_c/users" -type l | while read -r link; do
   rm "$link"
   mkdir -p "$link"
 done
+# Wine draws the buttons of title bars with this font, and looks for it only here.
+cp /usr/share/wine/fonts/marlett.ttf "$wine_prefix/drive_c/windows/Fonts/"
 touch "$wine_prefix/.complete"

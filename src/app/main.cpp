@@ -1,5 +1,6 @@
-#include <shobjidl.h>
 #include <windows.h>
+
+#include <string>
 
 #include "app/command_line.h"
 #include "app/context.h"

@@ -18,9 +18,7 @@ std::wstring DescribeError(DWORD error, const std::wstring& extra) {
   return FormatErrorMessage(error, extra);
 }
 
-void ShowError(const std::wstring& text) {
-  ShowBox(text, LoadLocalizedString(STR_ERROR), MB_OK | MB_ICONERROR);
-}
+void ShowError(const std::wstring& text) { ShowBox(text, LoadLocalizedString(STR_ERROR), MB_OK | MB_ICONERROR); }
 
 std::wstring ConnectionHint() {
   return LoadLocalizedString(STR_CHECK_CONNECTION) + L"\n\n" + LoadLocalizedString(STR_ANTIVIRUS_HINT);
@@ -44,13 +42,9 @@ void ShowManifestError() {
   ShowBox(text + L"\n\n" + ConnectionHint(), LoadLocalizedString(STR_MANIFEST), MB_OK | MB_ICONERROR);
 }
 
-void ShowConnectionHint() {
-  ShowError(ConnectionHint());
-}
+void ShowConnectionHint() { ShowError(ConnectionHint()); }
 
-void ShowCorruptDiskMessage() {
-  ShowError(LoadLocalizedString(STR_DISK_CORRUPT));
-}
+void ShowCorruptDiskMessage() { ShowError(LoadLocalizedString(STR_DISK_CORRUPT)); }
 
 int EnsureTempFolder() {
   const std::wstring folder = *app.tmpPath.Get();

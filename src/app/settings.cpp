@@ -76,9 +76,7 @@ void SaveUuid() {
   }
 }
 
-bool IsHexDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
+bool IsHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
 bool IsUuid(std::string_view text) {
   if (text.size() != kUuidLength) return false;
@@ -145,18 +143,8 @@ void LoadSettings() {
   ResolveUiLanguage(ReadNumber(key, kLanguage));
 }
 
-void SaveLanguage() {
-  WriteNumber(kLanguage, app.uiLanguage);
-}
-void SaveDeleteTmpFiles() {
-  WriteNumber(kDeleteTmpFiles, app.deleteTmpFiles ? 1 : 0);
-}
-void SaveMaxDownloadSpeed() {
-  WriteNumber(kMaxDownloadSpeed, app.maxDownloadSpeedKB);
-}
-void SaveLastInstallPath() {
-  WritePath(kLastInstallPath, *app.installPath.Get());
-}
-void SaveLastTmpPath() {
-  WritePath(kLastTmpPath, *app.tmpPath.Get());
-}
+void SaveLanguage() { WriteNumber(kLanguage, app.uiLanguage); }
+void SaveDeleteTmpFiles() { WriteNumber(kDeleteTmpFiles, app.deleteTmpFiles ? 1 : 0); }
+void SaveMaxDownloadSpeed() { WriteNumber(kMaxDownloadSpeed, app.maxDownloadSpeedKB); }
+void SaveLastInstallPath() { WritePath(kLastInstallPath, *app.installPath.Get()); }
+void SaveLastTmpPath() { WritePath(kLastTmpPath, *app.tmpPath.Get()); }

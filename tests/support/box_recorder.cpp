@@ -60,9 +60,7 @@ std::optional<BoxParts> PartsOfBox(HWND window) {
 }
 
 // Windows gives the only button of an MB_OK box the number of Cancel, so that Escape presses it.
-int MeaningOf(HWND button, const BoxParts& parts) {
-  return parts.buttons.size() == 1 ? IDOK : GetDlgCtrlID(button);
-}
+int MeaningOf(HWND button, const BoxParts& parts) { return parts.buttons.size() == 1 ? IDOK : GetDlgCtrlID(button); }
 
 BOOL CALLBACK FindBox(HWND window, LPARAM parameter) {
   if (!PartsOfBox(window)) return TRUE;

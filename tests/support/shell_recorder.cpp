@@ -20,9 +20,7 @@ DWORD errorOfStarts;
 std::optional<ReplacedImport<decltype(&ShellExecuteW)>> shellExecute;
 std::optional<ReplacedImport<decltype(&ShellExecuteExW)>> shellExecuteEx;
 
-std::wstring TextOrEmpty(const wchar_t* text) {
-  return text ? text : L"";
-}
+std::wstring TextOrEmpty(const wchar_t* text) { return text ? text : L""; }
 
 void Record(ShellStart start) {
   const std::lock_guard lock(mutex);
@@ -60,6 +58,4 @@ ShellRecorder::~ShellRecorder() {
   shellExecuteEx.reset();
 }
 
-const std::vector<ShellStart>& ShellRecorder::Starts() const {
-  return starts;
-}
+const std::vector<ShellStart>& ShellRecorder::Starts() const { return starts; }

@@ -15,6 +15,9 @@ TempFolder::TempFolder() {
   wchar_t base[MAX_PATH];
   GetTempPathW(MAX_PATH, base);
   path_ = JoinPath(base, L"zendora-test-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++counter));
+  // A test that was killed leaves its folder, and process identifiers come again.
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
   EXPECT_EQ(CreateDirectories(path_), 0u);
 }
 

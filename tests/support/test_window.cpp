@@ -3,6 +3,7 @@
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
+#include "app/main_window.h"
 #include "app/pages.h"
 
 namespace {
@@ -63,9 +64,7 @@ TestWindow::TestWindow(Page page, Handler handler) : handler_(std::move(handler)
   });
 }
 
-TestWindow::TestWindow(const std::function<void()>& create) {
-  Start(create);
-}
+TestWindow::TestWindow(const std::function<void()>& create) { Start(create); }
 
 TestWindow::~TestWindow() {
   app.restartRequested = false;
@@ -89,9 +88,7 @@ void TestWindow::Settle() const {
   WaitForSingleObject(settled.Get(), INFINITE);
 }
 
-bool TestWindow::WaitUntilClosed() const {
-  return WaitForSingleObject(closed_.Get(), kPatience) == WAIT_OBJECT_0;
-}
+bool TestWindow::WaitUntilClosed() const { return WaitForSingleObject(closed_.Get(), kPatience) == WAIT_OBJECT_0; }
 
 std::vector<std::wstring> TestWindow::LogLines() const {
   std::vector<std::wstring> lines;
@@ -150,6 +147,19 @@ LRESULT CALLBACK TestWindow::BareProc(HWND window, UINT message, WPARAM wParam, 
   return DefWindowProcW(window, message, wParam, lParam);
 }
 
+void CreateProgramWindow() {
+  app.manifestThread = ActiveThread();
+  RegisterMainWindowClass(app.instance);
+  EXPECT_TRUE(CreateMainWindow(app.instance, SW_SHOWNORMAL));
+  app.manifestThread.Reset();
+}
+
+KernelHandle ActiveThread() {
+  HANDLE self = nullptr;
+  DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(), &self, 0, FALSE, DUPLICATE_SAME_ACCESS);
+  return KernelHandle(self);
+}
+
 std::wstring TextOf(HWND window) {
   std::wstring text(static_cast<size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
   text.resize(
@@ -165,6 +175,4 @@ Place PlaceOf(HWND window) {
   return {corner.x, corner.y, bounds.right - bounds.left, bounds.bottom - bounds.top};
 }
 
-int PositionOf(const ProgressBar& bar) {
-  return static_cast<int>(SendMessageW(bar.Window(), PBM_GETPOS, 0, 0));
-}
+int PositionOf(const ProgressBar& bar) { return static_cast<int>(SendMessageW(bar.Window(), PBM_GETPOS, 0, 0)); }

@@ -22,7 +22,7 @@ class TestWindow {
 
   // A bare window with this page: the program's pages, but nobody who handles their commands. It closes on WM_CLOSE.
   explicit TestWindow(Page page = InstallPage, Handler handler = {});
-  // The window that `create` makes and stores in app.mainWindow; see CreateWithoutManifest in main_window_test.cpp.
+  // The window that `create` makes on the UI thread and stores in app.mainWindow.
   explicit TestWindow(const std::function<void()>& create);
   // Destroys the window without a relaunch, ends the thread and clears everything in `app` that belongs to a window.
   ~TestWindow();
@@ -59,10 +59,15 @@ class TestWindow {
   KernelHandle ready_, closed_, thread_;
 };
 
+// Creates the program's own main window, with the manifest thread left out: TestWindow window(CreateProgramWindow).
+void CreateProgramWindow();
+
+// A handle to a thread that is active while the test runs. In app.manifestThread or app.workerThread it keeps the
+// program from starting that thread.
+KernelHandle ActiveThread();
+
 std::wstring TextOf(HWND window);
-inline std::wstring TextOf(const Control& control) {
-  return TextOf(control.Window());
-}
+inline std::wstring TextOf(const Control& control) { return TextOf(control.Window()); }
 
 // Position and size in the client area of the parent.
 Place PlaceOf(HWND window);

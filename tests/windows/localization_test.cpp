@@ -13,9 +13,7 @@ extern "C" decltype(&GetUserDefaultUILanguage) importedUserLanguage __asm__("__i
 namespace {
 
 LANGID windowsLanguage;
-LANGID WINAPI GiveWindowsLanguage() {
-  return windowsLanguage;
-}
+LANGID WINAPI GiveWindowsLanguage() { return windowsLanguage; }
 
 }  // namespace
 

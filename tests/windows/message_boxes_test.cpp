@@ -5,6 +5,7 @@
 #include <future>
 
 #include "app/context.h"
+#include "app/localization.h"
 #include "app/site.h"
 #include "support/box_recorder.h"
 #include "support/replaced_import.h"
@@ -38,7 +39,7 @@ std::vector<RecordedBox> BoxesOf(std::initializer_list<int> answers, Show show) 
   return recorder.Boxes();
 }
 
-// Removes "app.tmpPath" again, for the tests that come after.
+// Leaves no state of its own for the tests that come after.
 class MessageBoxes : public testing::Test {
  protected:
   ~MessageBoxes() override {
@@ -88,8 +89,10 @@ TEST_F(MessageBoxes, FixedTexts) {
   const auto boxes = BoxesOf({IDOK, IDOK, IDOK, IDOK}, [] {
     SetLastError(ERROR_DISK_FULL);
     ShowManifestError();
+    SetThreadLanguage(LANG_FRENCH);  // has no texts, so that looking for them leaves an error of its own
     SetLastError(0);
     ShowManifestError();
+    SetThreadLanguage(LANG_ENGLISH);
     ShowConnectionHint();
     ShowCorruptDiskMessage();
   });

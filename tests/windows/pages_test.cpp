@@ -65,12 +65,6 @@ void ExpectControls(const TestWindow& window, const std::vector<ExpectedControl>
   }
 }
 
-KernelHandle ThreadThatIsActive() {
-  HANDLE self = nullptr;
-  DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(), &self, 0, FALSE, DUPLICATE_SAME_ACCESS);
-  return KernelHandle(self);
-}
-
 std::wstring RowText(HWND view, int row) {
   wchar_t text[64];
   LVITEMW item{};
@@ -147,7 +141,7 @@ TEST(Pages, LeavingAPageWhileAThreadFillsItLeavesThatThreadItsControls) {
   TestWindow window(ComponentsPage);
   const auto page = &window.Components();
   const HFONT font = FontOf(page->totalSizeLabel.Window());
-  app.manifestThread = ThreadThatIsActive();
+  app.manifestThread = ActiveThread();
   window.Run(ShowInstallPage);
   EXPECT_EQ(app.componentsPage, nullptr);
   EXPECT_FALSE(IsWindow(page->totalSizeLabel.Window()));

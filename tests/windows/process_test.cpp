@@ -9,12 +9,26 @@
 
 #include "app/context.h"
 #include "support/box_recorder.h"
+#include "support/replaced_import.h"
 #include "support/shell_recorder.h"
 #include "support/temp_folder.h"
 #include "system/handles.h"
 #include "system/path_names.h"
 
+extern "C" decltype(&CreateProcessW) importedCreateProcess __asm__("__imp__CreateProcessW@40");
+
 namespace {
+
+decltype(&CreateProcessW) realCreateProcess;
+std::wstring lastCommandLine;
+
+BOOL WINAPI KeepCommandLine(const wchar_t* application, wchar_t* commandLine, SECURITY_ATTRIBUTES* process,
+                            SECURITY_ATTRIBUTES* thread, BOOL inherit, DWORD flags, void* environment,
+                            const wchar_t* folder, STARTUPINFOW* startup, PROCESS_INFORMATION* started) {
+  lastCommandLine = commandLine;
+  return realCreateProcess(application, commandLine, process, thread, inherit, flags, environment, folder, startup,
+                           started);
+}
 
 std::wstring SystemFolder() {
   wchar_t folder[MAX_PATH];
@@ -68,8 +82,12 @@ TEST_F(RunProcessTest, StartsNormallyAndElevated) {
 TEST_F(RunProcessTest, ProgramThatTheShellRefusesIsStartedWithoutIt) {
   const std::wstring shell = JoinPath(SystemFolder(), L"cmd.exe");
   const ShellRecorder refusing(ERROR_NO_ASSOCIATION);
-  EXPECT_TRUE(RunProcess(false, true, shell, L"/c echo done>" + (folder_ / L"direct")));
+  const ReplacedImport createProcess(importedCreateProcess, KeepCommandLine);
+  realCreateProcess = createProcess.Original();
+  const std::wstring parameters = L"/c echo done>" + (folder_ / L"direct");
+  EXPECT_TRUE(RunProcess(false, true, shell, parameters));
   EXPECT_TRUE(Appears(folder_ / L"direct"));
+  EXPECT_EQ(lastCommandLine, L" " + parameters);
   ASSERT_EQ(refusing.Starts().size(), 1u);
   EXPECT_EQ(refusing.Starts()[0].verb, L"open");
 }

@@ -113,9 +113,7 @@ LSTATUS WINAPI OpenWithoutMachineGuid(HKEY root, const wchar_t* path, DWORD opti
   return realRegOpenKeyEx(root, path, options, access | KEY_WOW64_64KEY, key);
 }
 
-RPC_STATUS RPC_ENTRY FailUuidCreate(UUID*) {
-  return RPC_S_UUID_NO_ADDRESS;
-}
+RPC_STATUS RPC_ENTRY FailUuidCreate(UUID*) { return RPC_S_UUID_NO_ADDRESS; }
 
 }  // namespace
 

@@ -1,0 +1,49 @@
+#include "program/installer_process.h"
+
+#include <gtest/gtest.h>
+
+#include "system/path_names.h"
+
+namespace {
+
+std::wstring ProgramPath() {
+  wchar_t own[MAX_PATH] = L"";
+  GetModuleFileNameW(nullptr, own, MAX_PATH);
+  return JoinPath(ParentFolder(own), L"ZendoraInstaller.exe");
+}
+
+}  // namespace
+
+InstallerProcess::InstallerProcess(const std::wstring& commandLine) {
+  const std::wstring program = ProgramPath();
+  std::wstring whole = L"\"" + program + L"\" " + commandLine;
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION started = {};
+  if (!CreateProcessW(program.c_str(), whole.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                      &started)) {
+    ADD_FAILURE() << "the program could not be started: " << GetLastError();
+    return;
+  }
+  CloseHandle(started.hThread);
+  process_ = KernelHandle(started.hProcess);
+  id_ = started.dwProcessId;
+}
+
+InstallerProcess::~InstallerProcess() {
+  if (Runs()) Kill();
+}
+
+bool InstallerProcess::Runs() const { return process_ && WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT; }
+
+void InstallerProcess::Kill() {
+  TerminateProcess(process_.Get(), 77);
+  WaitForSingleObject(process_.Get(), 10'000);
+}
+
+std::optional<DWORD> InstallerProcess::WaitForExit(std::chrono::milliseconds limit) const {
+  DWORD code = 0;
+  if (!process_ || WaitForSingleObject(process_.Get(), static_cast<DWORD>(limit.count())) != WAIT_OBJECT_0) return {};
+  if (!GetExitCodeProcess(process_.Get(), &code)) return {};
+  return code;
+}

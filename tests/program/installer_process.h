@@ -1,0 +1,31 @@
+// The shipping program as a process of its own.
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "system/handles.h"
+
+class InstallerProcess {
+ public:
+  // Starts the program that lies beside the test program; fails the test when it can't be started.
+  explicit InstallerProcess(const std::wstring& commandLine = L"");
+  // Ends it by force if it still runs.
+  ~InstallerProcess();
+  InstallerProcess(const InstallerProcess&) = delete;
+  InstallerProcess& operator=(const InstallerProcess&) = delete;
+
+  DWORD Id() const { return id_; }
+  bool Runs() const;
+  // Ends it by force, as a power cut would.
+  void Kill();
+  // Its exit code; nothing when it still runs after the limit.
+  std::optional<DWORD> WaitForExit(std::chrono::milliseconds limit = std::chrono::seconds(20)) const;
+
+ private:
+  KernelHandle process_;
+  DWORD id_ = 0;
+};

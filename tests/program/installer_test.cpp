@@ -1,0 +1,134 @@
+#include "program/installer_test.h"
+
+#include "net/file_hash.h"
+#include "system/files.h"
+
+namespace {
+
+constexpr wchar_t kSettingsKey[] = L"SOFTWARE\\Zendora Installer";
+constexpr char kRepositoryPath[] = "/play/files/repository.php";
+constexpr char kTelemetryPath[] = "/play/files/telemetry.php";
+
+std::string Element(const std::string& name, const std::string& value) {
+  return value.empty() ? "" : "<" + name + " value=\"" + value + "\"/>";
+}
+
+std::string PackageXml(const TestPackage& package) {
+  std::string xml = "<package><title>" + (package.title.empty() ? package.filename : package.title) + "</title>";
+  xml += Element("name", package.name) + Element("filename", package.filename);
+  xml += Element("filetype", package.filetype) + Element("password", package.password);
+  xml += Element("verify", package.verify) + Element("default", package.isDefault ? "true" : "false");
+  xml += Element("md5", package.md5 ? *package.md5 : Md5Of(package.content));
+  xml += Element("size", std::to_string(package.size.value_or(package.content.size())));
+  xml += Element("upsize", std::to_string(package.upsize.value_or(package.content.size())));
+  auto sources = package.sources;
+  if (sources.empty()) sources.emplace_back("main", "http://zendora.example/packages/" + package.filename);
+  xml += "<sources>";
+  for (const auto& [key, url] : sources) xml += "<source key=\"" + key + "\" url=\"" + url + "\"/>";
+  return xml + "</sources><tasks>" + package.tasks + "</tasks></package>";
+}
+
+}  // namespace
+
+std::string Md5Of(const std::string& content) {
+  const TempFolder folder;
+  WriteTestFile(folder / L"content", content);
+  return ComputeFileMd5(folder / L"content", nullptr);
+}
+
+void InstallerTest::SetUp() {
+  server_ = std::make_unique<ScriptedServer>();
+  server_->Answer(kTelemetryPath, {});
+  RegDeleteTreeW(HKEY_CURRENT_USER, kSettingsKey);
+  SetFolder(L"LastInstallPath", games_.Path());
+  SetFolder(L"LastTmpPath", downloads_.Path());
+  SetNumber(L"Language", LANG_ENGLISH);
+}
+
+void InstallerTest::TearDown() {
+  process_.reset();
+  RegDeleteTreeW(HKEY_CURRENT_USER, kSettingsKey);
+}
+
+std::string InstallerTest::ZipOf(const std::vector<TestEntry>& entries) {
+  const TempFolder folder;
+  BuildZip(folder / L"archive.zip", entries);
+  return ReadTestFile(folder / L"archive.zip");
+}
+
+void InstallerTest::OfferManifest(const std::string& xml) {
+  ScriptedAnswer answer;
+  answer.body = xml;
+  server_->Answer(kRepositoryPath, answer);
+}
+
+void InstallerTest::Offer(const std::vector<TestPackage>& packages) {
+  std::string xml =
+      "<downloader><sources default=\"main\"><source key=\"main\" title=\"Main\"/>"
+      "<source key=\"other\" title=\"Other\"/></sources><packages>";
+  for (const TestPackage& package : packages) {
+    xml += PackageXml(package);
+    ScriptedAnswer answer;
+    answer.body = package.content;
+    server_->Answer(FilePath(package), answer);
+  }
+  OfferManifest(xml + "</packages></downloader>");
+}
+
+void InstallerTest::Start(const std::wstring& commandLine) {
+  process_.reset();  // one at a time
+  process_.emplace(commandLine);
+  ASSERT_TRUE(WaitUntil([this] { return IsWindowVisible(Window()); })) << "the window did not appear";
+}
+
+void InstallerTest::PressInstall() {
+  const auto ready = [this] { return PageOf(Window()) == ComponentsPage && IsWindowEnabled(BottomButton(Window())); };
+  ASSERT_TRUE(WaitUntil(ready)) << "the list of components was not filled";
+  Press(BottomButton(Window()));
+}
+
+void InstallerTest::ExpectPage(Page page) {
+  EXPECT_TRUE(WaitUntil([&] { return PageOf(Window()) == page; })) << "page " << PageOf(Window()) << " is shown";
+}
+
+void InstallerTest::ExpectLog(const std::wstring& line) {
+  if (WaitUntil([&] { return LogHas(Window(), line); })) return;
+  ADD_FAILURE() << "the log has no line " << testing::PrintToString(line) << ", but "
+                << testing::PrintToString(LogLines(Window()))
+                << "; box: " << testing::PrintToString(FindBox(process_->Id()).text);
+}
+
+void InstallerTest::ExpectEnd(const std::wstring& lastLine) {
+  ExpectLog(lastLine);
+  EXPECT_TRUE(WaitUntil([this] { return ShownText(BottomButton(Window())) == L"Exit"; }));
+}
+
+InstallerBox InstallerTest::ExpectBox() {
+  EXPECT_TRUE(WaitUntil([this] { return FindBox(process_->Id()).window != nullptr; }))
+      << "no message box appeared; log: " << testing::PrintToString(LogLines(Window()));
+  return FindBox(process_->Id());
+}
+
+void InstallerTest::ExpectExit() {
+  const auto code = process_->WaitForExit();
+  ASSERT_TRUE(code.has_value()) << "the program still runs";
+  EXPECT_EQ(*code, 0u);
+}
+
+std::vector<std::string> InstallerTest::ReportTypes() const {
+  std::vector<std::string> types;
+  for (const RecordedRequest& report : server_->RequestsOf(kTelemetryPath)) {
+    const size_t start = report.body.find("&type=") + 6;
+    types.push_back(report.body.substr(start, report.body.find_first_of("&\r", start) - start));
+  }
+  return types;
+}
+
+void InstallerTest::SetFolder(const wchar_t* setting, const std::wstring& path) {
+  RegSetKeyValueW(HKEY_CURRENT_USER, kSettingsKey, setting, REG_SZ, path.c_str(),
+                  static_cast<DWORD>((path.size() + 1) * sizeof(wchar_t)));
+}
+
+void InstallerTest::SetNumber(const wchar_t* setting, DWORD value) {
+  RegSetKeyValueW(HKEY_CURRENT_USER, kSettingsKey, setting, REG_DWORD, &value, sizeof value);
+}

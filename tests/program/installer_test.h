@@ -1,0 +1,76 @@
+// What the whole-program tests share: a site with packages, folders and settings of the test's own, and the program.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "program/installer_process.h"
+#include "program/installer_window.h"
+#include "support/scripted_server.h"
+#include "support/temp_folder.h"
+#include "support/zip_builder.h"
+
+inline constexpr char kZipType[] = "application/x-zip-compressed";
+
+// A package as the manifest describes it. What is left empty is left out of the manifest.
+struct TestPackage {
+  std::string filename;
+  std::string content;  // the file itself
+  std::string title = "", name = "", filetype = "", password = "", verify = "", tasks = "";
+  std::optional<uint64_t> size = {}, upsize = {};  // those of the content, unless given
+  std::optional<std::string> md5 = {};             // likewise; empty for none
+  bool isDefault = true;
+  std::vector<std::pair<std::string, std::string>> sources = {};  // key and address; by default "main", its file below
+};
+
+// 32 lower-case hexadecimal characters.
+std::string Md5Of(const std::string& content);
+
+class InstallerTest : public testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // The bytes of an archive of these entries.
+  std::string ZipOf(const std::vector<TestEntry>& entries);
+
+  // Publishes packages: the manifest, and each file at http://zendora.example/packages/<filename>.
+  void Offer(const std::vector<TestPackage>& packages);
+  void OfferManifest(const std::string& xml);
+  static std::string FilePath(const TestPackage& package) { return "/packages/" + package.filename; }
+
+  // Starts the program; returns when its window is there.
+  void Start(const std::wstring& commandLine = L"");
+  InstallerProcess& Process() { return *process_; }
+  HWND Window() { return FindInstallerWindow(process_->Id()); }
+  // Waits until the list is filled, and presses Install.
+  void PressInstall();
+  void Close() { PostMessageW(Window(), WM_CLOSE, 0, 0); }
+
+  // Each waits, and fails the test when what it waits for doesn't happen.
+  void ExpectPage(Page page);
+  void ExpectLog(const std::wstring& line);
+  void ExpectEnd(const std::wstring& lastLine = L"Installation finished");
+  InstallerBox ExpectBox();
+  void ExpectExit();
+
+  // The type field of every report that the site was sent.
+  std::vector<std::string> ReportTypes() const;
+
+  std::wstring TempPath(std::wstring_view name) const { return downloads_ / name; }
+  std::wstring TargetPath(std::wstring_view name) const { return games_ / name; }
+  // Puts packages or targets elsewhere; before Start.
+  static void SetFolder(const wchar_t* setting, const std::wstring& path);
+  static void SetNumber(const wchar_t* setting, DWORD value);
+
+  std::unique_ptr<ScriptedServer> server_;
+  TempFolder games_, downloads_;
+
+ private:
+  std::optional<InstallerProcess> process_;
+};

@@ -1,0 +1,86 @@
+// Installations from the first click to the last file.
+#include "program/installer_test.h"
+#include "resource.h"
+
+namespace {
+
+class Installation : public InstallerTest {};
+
+TEST_F(Installation, InstallsWhatIsChecked) {
+  const std::string plain = TestBytes(50'000, 1), inZip = TestBytes(300'000, 2), secret = TestBytes(120'000, 3);
+  const std::vector<TestPackage> packages = {
+      {.filename = "plain.dat", .content = plain, .title = "Plain", .name = "Plain", .verify = "plain.dat"},
+      {.filename = "world.zip",
+       .content = ZipOf({{"maps/", ""}, {"maps/city.dat", inZip}}),
+       .name = "World",
+       .filetype = kZipType,
+       .verify = "maps|maps/city.dat",
+       .upsize = inZip.size()},
+      {.filename = "secret.zip",
+       .content = ZipOf({{"secret.dat", secret, "open sesame"}}),
+       .name = "Secret",
+       .filetype = kZipType,
+       .password = "open sesame",
+       .upsize = secret.size()},
+      {.filename = "unwanted.dat", .content = plain, .name = "Unwanted", .isDefault = false},
+  };
+  Offer(packages);
+  Start();
+  PressInstall();
+  ExpectEnd();
+
+  EXPECT_EQ(ReadTestFile(TargetPath(L"Plain\\plain.dat")), plain);
+  EXPECT_EQ(ReadTestFile(TargetPath(L"World\\maps\\city.dat")), inZip);
+  EXPECT_EQ(ReadTestFile(TargetPath(L"Secret\\secret.dat")), secret);
+  EXPECT_EQ(GetFileAttributesW(TargetPath(L"Unwanted").c_str()), INVALID_FILE_ATTRIBUTES);
+  EXPECT_TRUE(server_->RequestsOf("/packages/unwanted.dat").empty());
+  EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "install_finish"}));
+
+  Press(BottomButton(Window()));
+  ExpectExit();
+}
+
+TEST_F(Installation, StartsByItselfWhenTheCommandLineNamesPackages) {
+  const TestPackage wanted{.filename = "wanted.dat", .content = TestBytes(9000), .name = "A"};
+  const TestPackage other{.filename = "other.dat", .content = TestBytes(9000), .name = "A"};
+  Offer({other, wanted});
+  Start(L"install:wanted.dat source:main");
+  ExpectEnd();
+  EXPECT_EQ(ReadTestFile(TargetPath(L"A\\wanted.dat")), wanted.content);
+  EXPECT_TRUE(server_->RequestsOf(FilePath(other)).empty());
+}
+
+TEST_F(Installation, CheckingRowsDecides) {
+  const TestPackage first{.filename = "a.dat", .content = TestBytes(5000), .name = "N"};
+  const TestPackage second{.filename = "b.dat", .content = TestBytes(5000), .name = "N", .isDefault = false};
+  Offer({first, second});
+  Start();
+  ASSERT_TRUE(WaitUntil([this] { return ComponentRows(Window()).size() == 2; }));
+  CheckRow(Window(), 0, false);
+  PressInstall();
+  const InstallerBox box = ExpectBox();
+  EXPECT_EQ(box.text, L"You have to select at least one component for installation");
+  AnswerBox(box, IDOK);
+  CheckRow(Window(), 1, true);
+  PressInstall();
+  ExpectEnd();
+  EXPECT_EQ(ReadTestFile(TargetPath(L"N\\b.dat")), second.content);
+  EXPECT_TRUE(server_->RequestsOf(FilePath(first)).empty());
+}
+
+TEST_F(Installation, SecondInstanceHandsItsCommandLineToTheFirst) {
+  const TestPackage first{.filename = "a.dat", .content = TestBytes(5000), .name = "N"};
+  const TestPackage second{.filename = "b.dat", .content = TestBytes(5000), .name = "N", .isDefault = false};
+  Offer({first, second});
+  Start();
+  ExpectPage(ComponentsPage);
+  const InstallerProcess again(L"install:b.dat source:main");
+  ASSERT_EQ(again.WaitForExit(), 0u);
+  EXPECT_EQ(FindInstallerWindow(again.Id()), nullptr);
+  PressInstall();
+  ExpectEnd();
+  EXPECT_EQ(ReadTestFile(TargetPath(L"N\\b.dat")), second.content);
+  EXPECT_TRUE(server_->RequestsOf(FilePath(first)).empty());
+}
+
+}  // namespace

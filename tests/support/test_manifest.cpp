@@ -1,0 +1,16 @@
+#include "support/test_manifest.h"
+
+#include <gtest/gtest.h>
+
+#include "app/context.h"
+#include "manifest/manifest_store.h"
+#include "support/temp_folder.h"
+
+void LoadTestManifest(const std::string& document) {
+  const TempFolder folder;
+  const std::wstring manifestPath = app.manifestPath;
+  app.manifestPath = folder / L"manifest.xml";
+  manifestBuffer = document;
+  EXPECT_GT(LoadManifest(true), 0);
+  app.manifestPath = manifestPath;
+}

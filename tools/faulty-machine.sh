@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Runs a command with what tests need to see a machine fail. Inside the private network and tools/with-wine.sh only.
+#   C:\full          a disk of one megabyte
+#   C:\locked        a disk that can't be written to
+#   C:\link          while a file "down" is in this folder, the network is gone, as with a pulled cable; the file
+#                    "is-down" tells that it is
+#   tools/faulty-machine.sh COMMAND [ARGUMENT...]
+source "$(dirname "$0")/common.sh"
+[ "${ZENDORA_PRIVATE_NETWORK:-}" = inside ] || die "this runs inside tools/private-network.sh only"
+
+drive=$WINEPREFIX/drive_c
+mkdir -p "$drive/full" "$drive/locked" "$drive/link"
+mount -t tmpfs -o size=1m none "$drive/full"
+mount -t tmpfs -o ro none "$drive/locked"
+
+watch_link() {
+  while sleep 0.05; do
+    if [ -e "$drive/link/down" ] && [ ! -e "$drive/link/is-down" ]; then
+      ip address del 127.0.0.1/8 dev lo
+      touch "$drive/link/is-down"
+    elif [ ! -e "$drive/link/down" ] && [ -e "$drive/link/is-down" ]; then
+      ip address add 127.0.0.1/8 dev lo
+      rm "$drive/link/is-down"
+    fi
+  done
+}
+
+watch_link &
+watcher=$!
+trap 'kill "$watcher" 2>/dev/null || true; umount -l "$drive/full" "$drive/locked"' EXIT
+"$@"
