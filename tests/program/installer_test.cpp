@@ -13,12 +13,6 @@ std::string Element(const std::string& name, const std::string& value) {
   return value.empty() ? "" : "<" + name + " value=\"" + value + "\"/>";
 }
 
-std::string Md5Of(const std::string& content) {
-  const TempFolder folder;
-  WriteTestFile(folder / L"content", content);
-  return ComputeFileMd5(folder / L"content", nullptr);
-}
-
 std::string PackageXml(const TestPackage& package) {
   std::string xml = "<package><title>" + (package.title.empty() ? package.filename : package.title) + "</title>";
   xml += Element("name", package.name) + Element("filename", package.filename);
@@ -35,6 +29,12 @@ std::string PackageXml(const TestPackage& package) {
 }
 
 }  // namespace
+
+std::string Md5Of(const std::string& content) {
+  const TempFolder folder;
+  WriteTestFile(folder / L"content", content);
+  return ComputeFileMd5(folder / L"content", nullptr);
+}
 
 void InstallerTest::SetUp() {
   server_ = std::make_unique<ScriptedServer>();

@@ -28,6 +28,9 @@ struct TestPackage {
   std::vector<std::pair<std::string, std::string>> sources = {};  // key and address; by default "main", its file below
 };
 
+// 32 lower-case hexadecimal characters.
+std::string Md5Of(const std::string& content);
+
 class InstallerTest : public testing::Test {
  protected:
   void SetUp() override;

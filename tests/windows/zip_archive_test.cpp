@@ -36,9 +36,7 @@ EntryRead ReadOnly(const std::wstring& path, const std::string& password = "") {
 }
 
 // The flags and the method as both headers of an entry have them, right behind the version.
-std::string Headers(const char* flagsAndMethod) {
-  return std::string(flagsAndMethod, 4);
-}
+std::string Headers(const char* flagsAndMethod) { return std::string(flagsAndMethod, 4); }
 
 class ZipArchiveTest : public testing::Test {
  protected:
