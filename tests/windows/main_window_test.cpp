@@ -233,7 +233,7 @@ TEST_F(MainWindow, ClickDuringAnUpdateOffersTheDownloadPageAndCloses) {
   BoxRecorder recorder({IDNO});
   window_.Run([this] {
     SetLastError(ERROR_ACCESS_DENIED);  // of something else, long ago
-    Click(window_.Components().selectFolderButton);
+    Send(WM_COMMAND, 0, reinterpret_cast<LPARAM>(window_.Components().selectFolderButton.Window()));
   });
   EXPECT_TRUE(window_.WaitUntilClosed());
   ASSERT_EQ(recorder.Boxes().size(), 1u);

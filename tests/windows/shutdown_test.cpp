@@ -169,6 +169,11 @@ TEST(Relaunch, FailureIsToldAfterTheMutexIsFree) {
   ASSERT_NE(box, nullptr);
   EXPECT_FALSE(KernelHandle(OpenMutexW(SYNCHRONIZE, FALSE, kMutexName)));
   EXPECT_EQ(GetWindow(box, GW_OWNER), nullptr);
+  window.Run([box] {
+    EXPECT_TRUE(IsWindow(box));
+    MSG message;
+    EXPECT_FALSE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_NOREMOVE)) << "the box is about to vanish";
+  });
   SendMessageW(box, WM_COMMAND, IDOK, 0);
   EXPECT_TRUE(window.WaitUntilClosed());
   app.exePath.clear();
