@@ -36,9 +36,13 @@ std::string Md5Of(const std::string& content) {
   return ComputeFileMd5(folder / L"content", nullptr);
 }
 
-void InstallerTest::SetUp() {
+void InstallerTest::StartServer() {
   server_ = std::make_unique<ScriptedServer>();
   server_->Answer(kTelemetryPath, {});
+}
+
+void InstallerTest::SetUp() {
+  StartServer();
   RegDeleteTreeW(HKEY_CURRENT_USER, kSettingsKey);
   SetFolder(L"LastInstallPath", games_.Path());
   SetFolder(L"LastTmpPath", downloads_.Path());
@@ -113,6 +117,12 @@ void InstallerTest::ExpectExit() {
   const auto code = process_->WaitForExit();
   ASSERT_TRUE(code.has_value()) << "the program still runs";
   EXPECT_EQ(*code, 0u);
+}
+
+void InstallerTest::ExpectContent(const std::wstring& path, const std::string& content) {
+  const auto found = ReadWholeFile(path);
+  if (found == content) return;  // not EXPECT_EQ, which would print megabytes
+  ADD_FAILURE() << testing::PrintToString(path) << (found ? " has the wrong content" : " can't be read");
 }
 
 std::vector<std::string> InstallerTest::ReportTypes() const {

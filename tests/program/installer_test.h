@@ -36,6 +36,9 @@ class InstallerTest : public testing::Test {
   void SetUp() override;
   void TearDown() override;
 
+  // Brings the site up; at the beginning it is.
+  void StartServer();
+
   // The bytes of an archive of these entries.
   std::string ZipOf(const std::vector<TestEntry>& entries);
 
@@ -58,6 +61,8 @@ class InstallerTest : public testing::Test {
   void ExpectEnd(const std::wstring& lastLine = L"Installation finished");
   InstallerBox ExpectBox();
   void ExpectExit();
+
+  static void ExpectContent(const std::wstring& path, const std::string& content);
 
   // The type field of every report that the site was sent.
   std::vector<std::string> ReportTypes() const;
