@@ -62,6 +62,17 @@ void AskNtdllForVersion() {
   app.osBuild = build & kBuildNumberMask;
 }
 
+bool CanWriteMachineSoftware(REGSAM view) {
+  RegKey key;
+  return RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE", 0, KEY_WRITE | view, key.Receive()) == ERROR_SUCCESS;
+}
+
+}  // namespace
+
+void ProbeAdministrator() {
+  app.isAdmin = CanWriteMachineSoftware(KEY_WOW64_32KEY) || CanWriteMachineSoftware(0);
+}
+
 void ProbeSystemVersion() {
   if (app.osBuild != 0) return;
   AskNtdllForVersion();
@@ -73,15 +84,6 @@ void ProbeSystemVersion() {
   app.osMinor = version.dwMinorVersion;
   app.osBuild = version.dwBuildNumber;
 }
-
-bool CanWriteMachineSoftware(REGSAM view) {
-  RegKey key;
-  return RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE", 0, KEY_WRITE | view, key.Receive()) == ERROR_SUCCESS;
-}
-
-}  // namespace
-
-void ProbeAdministrator() { app.isAdmin = CanWriteMachineSoftware(KEY_WOW64_32KEY) || CanWriteMachineSoftware(0); }
 
 void ProbeEnvironment() {
   ProbePaths();

@@ -11,5 +11,8 @@ void ProbeAdministrator();
 // app.userAgent. Application data whose folder names would not fit a path count as missing.
 void ProbeEnvironment();
 
+// The system's version alone, unless it is known already: app.osMajor, osMinor and osBuild.
+void ProbeSystemVersion();
+
 // The HTTP user agent for the given system.
 std::wstring BuildUserAgent(uint32_t major, uint32_t minor, uint32_t build, bool is64Bit);

@@ -9,6 +9,7 @@
 #include "app/command_line.h"
 #include "app/commands.h"
 #include "app/context.h"
+#include "app/dark_menu_bar.h"
 #include "app/delete_app_data.h"
 #include "app/localization.h"
 #include "app/main_menu.h"
@@ -20,6 +21,7 @@
 #include "app/single_instance.h"
 #include "app/speed_limit_dialog.h"
 #include "app/theme.h"
+#include "app/theme_brushes.h"
 #include "app/ui_language.h"
 #include "manifest/browse_for_path.h"
 #include "manifest/component_list.h"
@@ -138,7 +140,7 @@ LRESULT OnControlColors(UINT message, HDC dc) {
 
 LRESULT OnFramePaint(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   const LRESULT result = DefWindowProcW(window, message, wParam, lParam);
-  if (app.darkMode) PaintLineUnderMenuBar(window);
+  PaintLineUnderMenuBar(window);
   return result;
 }
 
@@ -174,7 +176,7 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       return OnFramePaint(window, message, wParam, lParam);
     case kDrawMenuBarMessage:
     case kDrawMenuBarItemMessage:
-      if (app.darkMode && DrawMenuBarPart(window, message, lParam)) return TRUE;
+      if (DrawMenuBarPart(window, message, lParam)) return TRUE;
       break;
     case WM_CTLCOLOREDIT:
     case WM_CTLCOLORBTN:
@@ -224,6 +226,7 @@ void RegisterMainWindowClass(HINSTANCE instance) {
 bool CreateMainWindow(HINSTANCE instance, int showCommand) {
   app.instance = instance;
   MeasureDesktop();
+  CreateThemeBrushes();
   const HWND window = CreateWindowExW(0, kWindowClassName, LoadLocalizedString(STR_PRODUCT_TITLE).c_str(),
                                       WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN,
                                       (app.desktopWidth - kWindowWidth) / 2, (app.desktopHeight - kWindowHeight) / 2,

@@ -51,7 +51,7 @@ void ShowInstallPage() {
   app.installPage = page;
   app.currentPage = InstallPage;
   ThemeChildren(app.mainWindow);
-  if (app.darkMode) ThemeCheckBox(page->deleteTmpCheckbox.Window());
+  if (app.darkMode) ThemeUnstyledControl(page->deleteTmpCheckbox.Window());
 }
 
 void ShowClosingPage() {

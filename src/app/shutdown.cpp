@@ -1,8 +1,9 @@
 #include "app/shutdown.h"
 
 #include "app/context.h"
+#include "app/dark_menu_bar.h"
 #include "app/pages.h"
-#include "app/theme.h"
+#include "app/theme_brushes.h"
 #include "system/process.h"
 
 namespace {
@@ -42,6 +43,7 @@ void OnEndSession(LPARAM flags) {
 }
 
 void OnDestroy() {
+  ForgetMenuTheme();
   DeleteThemeBrushes();
   if (app.instanceMutex) ReleaseMutex(app.instanceMutex.Get());
   app.instanceMutex.Reset();

@@ -28,7 +28,9 @@ std::optional<std::wstring> FindUnsafePath(const Package& package) {
   const std::wstring file = WidenBytes(package.filename);
   if (!IsSafeFileName(file)) return file;
   std::vector<std::string> pieces = SplitTaskText(package.verify);
-  if (!package.install.empty()) pieces.push_back(SplitTaskText(package.install)[0]);
+  for (const std::string& task : {package.install, package.link, package.execute}) {
+    if (!task.empty()) pieces.push_back(SplitTaskText(task)[0]);
+  }
   for (const std::string& piece : pieces) {
     const std::wstring path = WidenBytes(piece);
     if (!path.empty() && !IsSafeRelativePath(path)) return path;
