@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,12 +13,10 @@
 #include "app/main_menu.h"
 #include "app/pages.h"
 #include "app/single_instance.h"
-#include "app/ui_language.h"
 #include "manifest/component_list.h"
 #include "support/box_recorder.h"
 #include "support/test_manifest.h"
 #include "support/test_window.h"
-#include "system/text.h"
 
 namespace {
 
