@@ -13,15 +13,10 @@ mkdir -p "$drive/full" "$drive/locked" "$drive/link"
 mount -t tmpfs -o size=1m none "$drive/full"
 mount -t tmpfs -o ro none "$drive/locked"
 
-pull_cable() {
-  ip address del 127.0.0.1/8 dev lo
-  ss -K dst 127.0.0.1 >/dev/null
-}
-
 watch_link() {
   while sleep 0.05; do
     if [ -e "$drive/link/down" ] && [ ! -e "$drive/link/is-down" ]; then
-      pull_cable
+      ip address del 127.0.0.1/8 dev lo
       touch "$drive/link/is-down"
     elif [ ! -e "$drive/link/down" ] && [ -e "$drive/link/is-down" ]; then
       ip address add 127.0.0.1/8 dev lo

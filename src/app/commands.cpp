@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
+#include <iterator>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 

@@ -25,35 +25,25 @@ Control::Control(HWND parent, const wchar_t* windowClass, const std::wstring& te
   if (stockFont) SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
 }
 
-void Control::SetPlace(const Place& place) const {
-  PlaceWindow(window_, place);
-}
+void Control::SetPlace(const Place& place) const { PlaceWindow(window_, place); }
 
-void Control::SetText(const std::wstring& text) const {
-  SetWindowTextW(window_, text.c_str());
-}
+void Control::SetText(const std::wstring& text) const { SetWindowTextW(window_, text.c_str()); }
 
-void Control::SetFontHeight(int height) {
-  font_ = ChangeFontHeight(window_, height);
-}
+void Control::SetFontHeight(int height) { font_ = ChangeFontHeight(window_, height); }
 
 Label::Label(HWND parent, const std::wstring& text, DWORD staticStyle)
     : Control(parent, L"static", text, staticStyle, 0, true) {}
 
 PushButton::PushButton(HWND parent, const std::wstring& text) : Control(parent, L"Button", text, WS_TABSTOP, 0, true) {}
 
-void PushButton::PlaceAt(int x, int y, int height) const {
-  SetPlace({x, y, 100, height});
-}
+void PushButton::PlaceAt(int x, int y, int height) const { SetPlace({x, y, 100, height}); }
 
 CheckBox::CheckBox(HWND parent, const std::wstring& text, bool checked)
     : Control(parent, L"Button", text, WS_TABSTOP | BS_AUTOCHECKBOX, 0, true) {
   if (checked) SendMessageW(Window(), BM_SETCHECK, BST_CHECKED, 0);
 }
 
-bool CheckBox::IsChecked() const {
-  return SendMessageW(Window(), BM_GETCHECK, 0, 0) == BST_CHECKED;
-}
+bool CheckBox::IsChecked() const { return SendMessageW(Window(), BM_GETCHECK, 0, 0) == BST_CHECKED; }
 
 TextEdit::TextEdit(HWND parent, int id, const std::wstring& text, DWORD editStyle)
     : Control(parent, L"Edit", text, WS_BORDER | WS_TABSTOP | editStyle, id, true) {}
@@ -87,9 +77,7 @@ ProgressBar::ProgressBar(HWND parent) : Control(parent, PROGRESS_CLASSW, {}, WS_
   SendMessageW(Window(), PBM_SETRANGE, 0, MAKELPARAM(0, kProgressRange));
 }
 
-void ProgressBar::PlaceAt(int y) const {
-  SetPlace({10, y, 565, 18});
-}
+void ProgressBar::PlaceAt(int y) const { SetPlace({10, y, 565, 18}); }
 
 void ProgressBar::SetPosition(int position) {
   if (position == lastPosition_) return;

@@ -13,9 +13,7 @@ constexpr Place kItemsPlace{10, 80, 565, 275};
 constexpr int kPlaceholderRows = 3;
 constexpr WPARAM kLogLimit = 10'240'000;
 
-Place LineAt(int y) {
-  return {10, y, 565, 16};
-}
+Place LineAt(int y) { return {10, y, 565, 16}; }
 
 // The rows that stand here until the manifest has been read.
 void AddPlaceholderRows(HWND itemsView) {

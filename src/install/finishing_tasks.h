@@ -1,5 +1,5 @@
-// What follows when a package's files are in place: addons, the desktop shortcut, a program to start. All failures are
-// silent. Worker.
+// What follows when a package has been placed, which has checked its paths: addons, the desktop shortcut, a program to
+// start. All failures are silent. Worker.
 #pragma once
 
 #include <string>

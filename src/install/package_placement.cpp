@@ -21,16 +21,16 @@ namespace {
 constexpr char kZipType[] = "application/x-zip-compressed";
 constexpr char kInstallerType[] = "application/x-msdownload";
 
-void LogUnsafePath(const std::wstring& path) {
-  AppendLog(L"[ERROR] Unsafe path (" + path + L")");
-}
+void LogUnsafePath(const std::wstring& path) { AppendLog(L"[ERROR] Unsafe path (" + path + L")"); }
 
 // The first path that would lead out of the folder it belongs to. An empty piece stands for that folder itself.
 std::optional<std::wstring> FindUnsafePath(const Package& package) {
   const std::wstring file = WidenBytes(package.filename);
   if (!IsSafeFileName(file)) return file;
   std::vector<std::string> pieces = SplitTaskText(package.verify);
-  if (!package.install.empty()) pieces.push_back(SplitTaskText(package.install)[0]);
+  for (const std::string& task : {package.install, package.link, package.execute}) {
+    if (!task.empty()) pieces.push_back(SplitTaskText(task)[0]);
+  }
   for (const std::string& piece : pieces) {
     const std::wstring path = WidenBytes(piece);
     if (!path.empty() && !IsSafeRelativePath(path)) return path;

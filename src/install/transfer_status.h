@@ -29,7 +29,8 @@ extern TransferStatus& transferStatus;
 void OnDownloadProgress(DownloadProgress* progress);
 void OnHashProgress(HashProgress* progress);
 
-// The one-second timer of the main window. Its procedure, OnSpeedTimer, refreshes the speed line on the UI thread.
+// The one-second timer of the main window. The worker arms and stops it; both wait until the window's thread has done
+// so, and do nothing without a window. OnSpeedTimer, its procedure, refreshes the speed line on the UI thread.
 void ArmSpeedTimer();
 void StopSpeedTimer();
 void CALLBACK OnSpeedTimer(HWND window, UINT message, UINT_PTR id, DWORD time);

@@ -77,6 +77,7 @@ struct ZipArchive::State {
   }
   static uLong ZCALLBACK Read(voidpf opaque, voidpf stream, void* buffer, uLong size) {
     State& state = *static_cast<State*>(opaque);
+    SetLastError(ERROR_SUCCESS);  // a file that is too short is no system error, so none may be left from before
     const uLong count = state.system.zread_file(nullptr, stream, buffer, size);
     if (state.decrypting) state.cipher.Decrypt(static_cast<unsigned char*>(buffer), count);
     return count;
@@ -128,9 +129,7 @@ int32_t ZipArchive::GoToFirstEntry() {
   return unzGoToFirstFile(state_->archive);
 }
 
-int32_t ZipArchive::GoToNextEntry() {
-  return unzGoToNextFile(state_->archive);
-}
+int32_t ZipArchive::GoToNextEntry() { return unzGoToNextFile(state_->archive); }
 
 int32_t ZipArchive::OpenEntry(const std::string& password) {
   unz_file_info64 info;
@@ -165,6 +164,4 @@ int32_t ZipArchive::ReadEntry(void* buffer, uint32_t size) {
   return count;
 }
 
-int32_t ZipArchive::CloseEntry() {
-  return unzCloseCurrentFile(state_->archive);
-}
+int32_t ZipArchive::CloseEntry() { return unzCloseCurrentFile(state_->archive); }

@@ -40,9 +40,7 @@ struct CurrentEntry {
   std::wstring label;
 };
 
-InstallPageControls& Controls() {
-  return *static_cast<InstallPageControls*>(app.installPage);
-}
+InstallPageControls& Controls() { return *static_cast<InstallPageControls*>(app.installPage); }
 
 uint32_t Percentage(uint64_t part, uint64_t whole) {
   const double percentage = static_cast<double>(part) * 100 / static_cast<double>(whole);
@@ -133,14 +131,14 @@ uint64_t WriteEntry(Extraction& x, CurrentEntry& entry) {
 // Unpacks the open entry unless it is a folder or an empty file, and closes it.
 void UnpackOpenEntry(Extraction& x) {
   ZipEntry info;
-  uint64_t entryWritten = 0;
-  CurrentEntry entry;
   x.zipResult = x.archive.GetEntryInfo(info);
+  CurrentEntry entry;
+  entry.name = EntryPath(info.name);
+  entry.size = info.size;
+  uint64_t entryWritten = 0;
   if (x.zipResult != 0) {
     Fault(x, L"Unable to get file info (zip)");
-  } else if (info.size != 0) {
-    entry.name = EntryPath(info.name);
-    entry.size = info.size;
+  } else if (entry.size != 0) {
     if (IsSafeRelativePath(entry.name)) {
       entryWritten = WriteEntry(x, entry);
     } else {

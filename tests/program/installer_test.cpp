@@ -13,12 +13,6 @@ std::string Element(const std::string& name, const std::string& value) {
   return value.empty() ? "" : "<" + name + " value=\"" + value + "\"/>";
 }
 
-std::string Md5Of(const std::string& content) {
-  const TempFolder folder;
-  WriteTestFile(folder / L"content", content);
-  return ComputeFileMd5(folder / L"content", nullptr);
-}
-
 std::string PackageXml(const TestPackage& package) {
   std::string xml = "<package><title>" + (package.title.empty() ? package.filename : package.title) + "</title>";
   xml += Element("name", package.name) + Element("filename", package.filename);
@@ -36,9 +30,19 @@ std::string PackageXml(const TestPackage& package) {
 
 }  // namespace
 
-void InstallerTest::SetUp() {
+std::string Md5Of(const std::string& content) {
+  const TempFolder folder;
+  WriteTestFile(folder / L"content", content);
+  return ComputeFileMd5(folder / L"content", nullptr);
+}
+
+void InstallerTest::StartServer() {
   server_ = std::make_unique<ScriptedServer>();
   server_->Answer(kTelemetryPath, {});
+}
+
+void InstallerTest::SetUp() {
+  StartServer();
   RegDeleteTreeW(HKEY_CURRENT_USER, kSettingsKey);
   SetFolder(L"LastInstallPath", games_.Path());
   SetFolder(L"LastTmpPath", downloads_.Path());
@@ -103,8 +107,8 @@ void InstallerTest::ExpectEnd(const std::wstring& lastLine) {
   EXPECT_TRUE(WaitUntil([this] { return ShownText(BottomButton(Window())) == L"Exit"; }));
 }
 
-InstallerBox InstallerTest::ExpectBox() {
-  EXPECT_TRUE(WaitUntil([this] { return FindBox(process_->Id()).window != nullptr; }))
+InstallerBox InstallerTest::ExpectBox(std::chrono::milliseconds limit) {
+  EXPECT_TRUE(WaitUntil([this] { return FindBox(process_->Id()).window != nullptr; }, limit))
       << "no message box appeared; log: " << testing::PrintToString(LogLines(Window()));
   return FindBox(process_->Id());
 }
@@ -113,6 +117,12 @@ void InstallerTest::ExpectExit() {
   const auto code = process_->WaitForExit();
   ASSERT_TRUE(code.has_value()) << "the program still runs";
   EXPECT_EQ(*code, 0u);
+}
+
+void InstallerTest::ExpectContent(const std::wstring& path, const std::string& content) {
+  const auto found = ReadWholeFile(path);
+  if (found == content) return;  // not EXPECT_EQ, which would print megabytes
+  ADD_FAILURE() << testing::PrintToString(path) << (found ? " has the wrong content" : " can't be read");
 }
 
 std::vector<std::string> InstallerTest::ReportTypes() const {

@@ -28,10 +28,16 @@ struct TestPackage {
   std::vector<std::pair<std::string, std::string>> sources = {};  // key and address; by default "main", its file below
 };
 
+// 32 lower-case hexadecimal characters.
+std::string Md5Of(const std::string& content);
+
 class InstallerTest : public testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
+
+  // Brings the site up; at the beginning it is.
+  void StartServer();
 
   // The bytes of an archive of these entries.
   std::string ZipOf(const std::vector<TestEntry>& entries);
@@ -53,8 +59,10 @@ class InstallerTest : public testing::Test {
   void ExpectPage(Page page);
   void ExpectLog(const std::wstring& line);
   void ExpectEnd(const std::wstring& lastLine = L"Installation finished");
-  InstallerBox ExpectBox();
+  InstallerBox ExpectBox(std::chrono::milliseconds limit = std::chrono::seconds(20));
   void ExpectExit();
+
+  static void ExpectContent(const std::wstring& path, const std::string& content);
 
   // The type field of every report that the site was sent.
   std::vector<std::string> ReportTypes() const;

@@ -29,9 +29,9 @@ TEST_F(Installation, InstallsWhatIsChecked) {
   PressInstall();
   ExpectEnd();
 
-  EXPECT_EQ(ReadTestFile(TargetPath(L"Plain\\plain.dat")), plain);
-  EXPECT_EQ(ReadTestFile(TargetPath(L"World\\maps\\city.dat")), inZip);
-  EXPECT_EQ(ReadTestFile(TargetPath(L"Secret\\secret.dat")), secret);
+  ExpectContent(TargetPath(L"Plain\\plain.dat"), plain);
+  ExpectContent(TargetPath(L"World\\maps\\city.dat"), inZip);
+  ExpectContent(TargetPath(L"Secret\\secret.dat"), secret);
   EXPECT_EQ(GetFileAttributesW(TargetPath(L"Unwanted").c_str()), INVALID_FILE_ATTRIBUTES);
   EXPECT_TRUE(server_->RequestsOf("/packages/unwanted.dat").empty());
   EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "install_finish"}));
@@ -46,7 +46,7 @@ TEST_F(Installation, StartsByItselfWhenTheCommandLineNamesPackages) {
   Offer({other, wanted});
   Start(L"install:wanted.dat source:main");
   ExpectEnd();
-  EXPECT_EQ(ReadTestFile(TargetPath(L"A\\wanted.dat")), wanted.content);
+  ExpectContent(TargetPath(L"A\\wanted.dat"), wanted.content);
   EXPECT_TRUE(server_->RequestsOf(FilePath(other)).empty());
 }
 
@@ -64,7 +64,7 @@ TEST_F(Installation, CheckingRowsDecides) {
   CheckRow(Window(), 1, true);
   PressInstall();
   ExpectEnd();
-  EXPECT_EQ(ReadTestFile(TargetPath(L"N\\b.dat")), second.content);
+  ExpectContent(TargetPath(L"N\\b.dat"), second.content);
   EXPECT_TRUE(server_->RequestsOf(FilePath(first)).empty());
 }
 
@@ -79,7 +79,7 @@ TEST_F(Installation, SecondInstanceHandsItsCommandLineToTheFirst) {
   EXPECT_EQ(FindInstallerWindow(again.Id()), nullptr);
   PressInstall();
   ExpectEnd();
-  EXPECT_EQ(ReadTestFile(TargetPath(L"N\\b.dat")), second.content);
+  ExpectContent(TargetPath(L"N\\b.dat"), second.content);
   EXPECT_TRUE(server_->RequestsOf(FilePath(first)).empty());
 }
 

@@ -39,6 +39,7 @@ InstallScenario::InstallScenario() {
   EXPECT_EQ(CreateDirectories(folder / L"installed"), 0u);
   transferStatus.downloadTotal = 0;
   transferStatus.downloadedBefore = 0;
+  transferStatus.timerArmed = false;  // a timer dies with its window
 }
 
 InstallScenario::~InstallScenario() {

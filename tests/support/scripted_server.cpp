@@ -4,6 +4,7 @@
 #include <winsock2.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
@@ -111,6 +112,7 @@ struct ScriptedServer::State {
   Socket listener;
   Socket wake;  // readable from the moment that the server stops, which ends every wait for another socket
   std::thread acceptor;
+  std::atomic<bool> listening = true;
 
   std::vector<std::thread> connections;  // of the acceptor, until it has ended
 
@@ -151,6 +153,7 @@ bool ScriptedServer::State::WaitFor(SOCKET socket, bool writing) const {
 void ScriptedServer::State::Accept() {
   while (WaitFor(listener.Get(), false)) {
     Socket connection(accept(listener.Get(), nullptr, nullptr));
+    if (!listening) return;
     if (!connection) continue;
     MakeNonBlocking(connection.Get());
     connections.emplace_back([this, owned = std::move(connection)]() mutable { Serve(std::move(owned)); });
@@ -285,7 +288,7 @@ ScriptedServer::~ScriptedServer() {
   int length = sizeof wake;
   getsockname(state_->wake.Get(), reinterpret_cast<sockaddr*>(&wake), &length);
   sendto(state_->wake.Get(), "!", 1, 0, reinterpret_cast<const sockaddr*>(&wake), length);
-  state_->acceptor.join();
+  if (state_->acceptor.joinable()) state_->acceptor.join();
   for (std::thread& connection : state_->connections) connection.join();
   delete state_;
   WSACleanup();
@@ -299,6 +302,15 @@ void ScriptedServer::Answer(const std::string& path, ScriptedAnswer answer) {
 void ScriptedServer::AnswerNext(const std::string& path, ScriptedAnswer answer) {
   const std::lock_guard lock(state_->mutex);
   state_->nextAnswers[path].push_back(std::move(answer));
+}
+
+void ScriptedServer::StopListening() {
+  state_->listening = false;
+  const sockaddr_in address = LoopbackAddress(80);
+  const Socket waker(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+  connect(waker.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);  // ends the acceptor's wait
+  state_->acceptor.join();
+  state_->listener.Reset();
 }
 
 void ScriptedServer::Resume() {

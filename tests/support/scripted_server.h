@@ -41,6 +41,9 @@ class ScriptedServer {
   // What its next requests are answered, in order, before `Answer` applies.
   void AnswerNext(const std::string& path, ScriptedAnswer answer);
 
+  // From now on new connections are refused, as those to a machine that is gone; the existing ones go on.
+  void StopListening();
+
   // Lets every stalled answer go on.
   void Resume();
   // Blocks until an answer has stalled; false after ten seconds.

@@ -20,9 +20,9 @@ namespace {
 constexpr char kManifest[] = R"(<downloader>
   <sources default="us"><source key="us" title="America"/><source key="eu" title="Europe"/></sources>
   <packages>
-    <package><filename value="gta"/><default value="1"/></package>
-    <package><filename value="extra"/><default value="0"/></package>
-    <package><filename value="mta.exe"/><default value="1"/></package>
+    <package><filename value="gta"/><default value="true"/></package>
+    <package><filename value="extra"/><default value="false"/></package>
+    <package><filename value="mta.exe"/><default value="true"/></package>
   </packages></downloader>)";
 
 using Names = std::vector<std::string>;
@@ -51,6 +51,7 @@ class Commands : public testing::Test {
 };
 
 TEST_F(Commands, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {
+  const BoxRecorder noBoxes({});
   const ShellRecorder shell;
   app.exePath = L"C:\\here\\setup.exe";
   app.commandLine = L"install:old source:old";
@@ -82,6 +83,7 @@ TEST_F(Commands, InstallWithoutSelectionOnlyWarns) {
 }
 
 TEST_F(Commands, InstallWithRightsShowsTheInstallationOfTheSelection) {
+  const BoxRecorder noBoxes({});
   app.isAdmin = true;
   app.workerThread = ActiveThread();  // so that no second worker starts
   const HANDLE worker = app.workerThread.Get();
@@ -94,6 +96,7 @@ TEST_F(Commands, InstallWithRightsShowsTheInstallationOfTheSelection) {
 }
 
 TEST_F(Commands, InstallListOfTheCommandLineWinsOverTheRows) {
+  const BoxRecorder noBoxes({});
   app.isAdmin = true;
   app.workerThread = ActiveThread();
   app.installList.Set({"extra"});
@@ -115,6 +118,7 @@ TEST_F(Commands, NothingStartsDuringAnUpdate) {
 }
 
 TEST_F(Commands, CancelBecomesExit) {
+  const BoxRecorder noBoxes({});
   const ShellRecorder shell;
   app.isAdmin = true;
   app.workerThread = ActiveThread();

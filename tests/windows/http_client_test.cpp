@@ -31,6 +31,28 @@ BOOL WINAPI WatchSetOption(HINTERNET handle, DWORD option, LPVOID value, DWORD s
   return original.InternetSetOption(handle, option, value, size);
 }
 
+// Successful calls may leave the last error as they find it.
+BOOL WINAPI ReadKeepingError(HINTERNET request, LPVOID buffer, DWORD size, LPDWORD count) {
+  const DWORD before = GetLastError();
+  const BOOL done = original.InternetReadFile(request, buffer, size, count);
+  if (done) SetLastError(before);
+  return done;
+}
+
+// Leaves an error although it succeeds, as a call may, too.
+BOOL WINAPI SendLeavingError(HINTERNET request, LPCWSTR headers, DWORD headersLength, LPVOID body, DWORD bodyLength) {
+  const BOOL sent = original.HttpSendRequest(request, headers, headersLength, body, bodyLength);
+  if (sent) SetLastError(ERROR_IO_PENDING);
+  return sent;
+}
+
+BOOL WINAPI QueryKeepingError(HINTERNET request, DWORD level, LPVOID buffer, LPDWORD size, LPDWORD index) {
+  const DWORD before = GetLastError();
+  const BOOL done = original.HttpQueryInfo(request, level, buffer, size, index);
+  if (done) SetLastError(before);
+  return done;
+}
+
 std::string Gzip(std::string plain) {
   z_stream stream = {};
   deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, 16 + MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
@@ -180,6 +202,19 @@ TEST(HttpClient, TellsStatusLengthAndError) {
     EXPECT_EQ(result.received, c.received) << testing::PrintToString(c.path);
     EXPECT_EQ(body, "kept " + large.substr(0, static_cast<size_t>(c.received)));
   }
+}
+
+TEST(HttpClient, ErrorOfAnEarlierStepIsNotTakenForThatOfTheEnd) {
+  const Exchanged send(WinInet().HttpSendRequest, &SendLeavingError);
+  const Exchanged query(WinInet().HttpQueryInfo, &QueryKeepingError);
+  const Exchanged read(WinInet().InternetReadFile, &ReadKeepingError);
+  ScriptedServer server;
+  ScriptedAnswer answer = Body("content");
+  answer.announceLength = false;  // so that the query for it fails
+  server.Answer("/a", answer);
+  std::string body;
+  EXPECT_EQ(Get(L"http://zendora.example/a", body).error, 0u);
+  EXPECT_EQ(Get(L"http://zendora.example/missing", body).error, 0u);
 }
 
 TEST(HttpClient, TellsWhyThereIsNoAnswer) {

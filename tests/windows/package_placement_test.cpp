@@ -138,6 +138,7 @@ TEST_F(PackagePlacementTest, PathsThatLeaveTheirFolderAreRefused) {
       {"pack.bin", "", "\\\\host\\share\\evil.exe", "\\\\host\\share\\evil.exe"},
   };
   Lines expected;
+  const BoxRecorder noBoxes(std::initializer_list<int>{});
   for (const Case& c : cases) {
     package_.filename = c.filename;
     package_.verify = c.verify;
@@ -171,6 +172,7 @@ TEST_F(PackagePlacementTest, NothingFollowsACancelledPlacement) {
   const TextRecorder label(window_, Page().totalDetailLabel, [](const std::wstring& text) {
     if (text.ends_with(L"(100%)")) app.cancelRequested = true;
   });
+  const BoxRecorder noBoxes(std::initializer_list<int>{});
   EXPECT_FALSE(PlacePackage(run_, package_, target_).ok);
   EXPECT_EQ(label.Texts().back(), L"Extracting: a.txt (100%)");
   EXPECT_EQ(run_.errorRecords, "");

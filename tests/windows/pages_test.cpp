@@ -35,9 +35,7 @@ std::wstring ClassOf(HWND window) {
   return name;
 }
 
-HFONT FontOf(HWND window) {
-  return reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
-}
+HFONT FontOf(HWND window) { return reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)); }
 
 int FontHeightOf(HWND window) {
   LOGFONTW description{};
@@ -45,9 +43,7 @@ int FontHeightOf(HWND window) {
   return description.lfHeight;
 }
 
-std::vector<int> Numbers(const Place& place) {
-  return {place.x, place.y, place.width, place.height};
-}
+std::vector<int> Numbers(const Place& place) { return {place.x, place.y, place.width, place.height}; }
 
 void ExpectControls(const TestWindow& window, const std::vector<ExpectedControl>& expected) {
   const std::vector<HWND> children = ChildrenOf(window.Window());

@@ -27,6 +27,7 @@ class TransferStatusTest : public testing::Test {
     transferStatus.retryCount = 0;
     transferStatus.hashing = false;
     transferStatus.lastHashPercent = 0;
+    transferStatus.timerArmed = false;
   }
 
   static void Tick() { OnSpeedTimer(app.mainWindow, WM_TIMER, 2022, 0); }

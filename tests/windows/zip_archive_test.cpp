@@ -36,9 +36,7 @@ EntryRead ReadOnly(const std::wstring& path, const std::string& password = "") {
 }
 
 // The flags and the method as both headers of an entry have them, right behind the version.
-std::string Headers(const char* flagsAndMethod) {
-  return std::string(flagsAndMethod, 4);
-}
+std::string Headers(const char* flagsAndMethod) { return std::string(flagsAndMethod, 4); }
 
 class ZipArchiveTest : public testing::Test {
  protected:
@@ -76,7 +74,7 @@ TEST_F(ZipArchiveTest, GivesEveryEntryInOrder) {
 }
 
 TEST_F(ZipArchiveTest, EncryptedEntriesNeedTheirPassword) {
-  const std::string content = TestBytes(50'000);
+  const std::string content = TestBytes(50'000, 7);
   for (const bool stored : {false, true}) {
     for (const bool sizesFollow : {false, true}) {
       BuildZip(path_, {{"secret", content, "p\xE4ss w\xFCrd", stored, sizesFollow}});

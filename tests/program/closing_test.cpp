@@ -1,0 +1,106 @@
+// Ways to end the program while an installation is under way. None may hang, crash or lose what was downloaded.
+#include "program/installer_test.h"
+#include "system/files.h"
+
+namespace {
+
+constexpr size_t kSize = 600'000;
+constexpr size_t kStall = 200 * 1024;
+
+class Closing : public InstallerTest {
+ protected:
+  // Starts a download and returns while its transfer waits for the server, with some bytes received.
+  void StartAndStall() {
+    Offer({package_});
+    ScriptedAnswer stalling;
+    stalling.body = package_.content;
+    stalling.stallAfter = kStall;
+    server_->AnswerNext(FilePath(package_), stalling);
+    Start(L"install:big.dat source:main");
+    ASSERT_TRUE(server_->WaitForStall());
+    ASSERT_TRUE(WaitUntil([this] { return FileSize(TempPath(L"big.dat")) >= kStall; }));
+  }
+
+  // Every source fails, so the worker asks whether to try again.
+  InstallerBox StartAndFail() {
+    Offer({package_});
+    ScriptedAnswer missing;
+    missing.status = 404;
+    server_->Answer(FilePath(package_), missing);
+    Start(L"install:big.dat source:main");
+    return ExpectBox();
+  }
+
+  std::string LastReport() const { return server_->RequestsOf("/play/files/telemetry.php").back().body; }
+
+  const TestPackage package_{.filename = "big.dat", .content = TestBytes(kSize), .name = "Big"};
+};
+
+TEST_F(Closing, CancelStopsTheTransferAndKeepsTheFile) {
+  StartAndStall();
+  EXPECT_EQ(ShownText(BottomButton(Window())), L"Cancel");
+  Press(BottomButton(Window()));
+  ASSERT_TRUE(WaitUntil([this] { return ShownText(BottomButton(Window())) == L"Exit"; }));
+  server_->Resume();
+  ASSERT_TRUE(
+      WaitUntil([this] { return ShownText(ChildAt(Window(), L"Static", 10, 10)) == L"Installation cancelled"; }));
+  EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "download_cancel"}));
+  EXPECT_GE(FileSize(TempPath(L"big.dat")), kStall);
+  EXPECT_LT(FileSize(TempPath(L"big.dat")), kSize);
+  EXPECT_TRUE(PathExists(TempPath(L"big.dat.stat")));
+  EXPECT_FALSE(PathExists(TargetPath(L"Big")));
+  Press(BottomButton(Window()));
+  ExpectExit();
+}
+
+TEST_F(Closing, ClosingWaitsForTheWorkerAndItsReport) {
+  StartAndStall();
+  Close();
+  ExpectPage(ClosingPage);
+  EXPECT_TRUE(Process().Runs());
+  server_->Resume();
+  ExpectExit();
+  EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "download_cancel"}));
+  EXPECT_EQ(LastReport().find("&endsession"), std::string::npos) << LastReport();
+}
+
+TEST_F(Closing, ACloseSentByAnotherProgramIsReportedAsSuch) {
+  StartAndStall();
+  SendMessageW(Window(), WM_CLOSE, 0, 0);
+  ExpectPage(ClosingPage);
+  server_->Resume();
+  ExpectExit();
+  EXPECT_NE(LastReport().find("&type=download_cancel&endsession5&time="), std::string::npos) << LastReport();
+}
+
+TEST_F(Closing, TheFifthCloseEndsAtOnce) {
+  StartAndStall();
+  for (int i = 0; i < 4; ++i) SendMessageW(Window(), WM_CLOSE, 0, 0);
+  ExpectPage(ClosingPage);
+  EXPECT_TRUE(Process().Runs());
+  Close();
+  ExpectExit();  // although the server still holds the transfer
+}
+
+TEST_F(Closing, ABoxOfTheWorkerHoldsNothingUp) {
+  const InstallerBox box = StartAndFail();
+  Close();
+  ExpectPage(ClosingPage);
+  EXPECT_EQ(ShownText(Window()), L"Zendora Installer") << "the window doesn't answer";
+  AnswerBox(box, IDNO);
+  ExpectExit();
+}
+
+TEST_F(Closing, TheFifthCloseEndsAlsoBehindABox) {
+  StartAndFail();
+  for (int i = 0; i < 5; ++i) Close();
+  ExpectExit();
+}
+
+TEST_F(Closing, ExitInTheMenuEndsARunningInstallation) {
+  StartAndStall();
+  ChooseCommand(Window(), 105);
+  ExpectExit();
+}
+
+}  // namespace

@@ -1,0 +1,159 @@
+// Downloads that break off: not a byte that arrived is fetched again, and the result is the same.
+#include "program/installer_test.h"
+#include "system/files.h"
+#include "system/text.h"
+
+namespace {
+
+constexpr size_t kSize = 2'000'000;
+constexpr size_t kStall = 700 * 1024;
+
+// The machine that runs the tests takes its network away while a file is there, and tells so by another.
+constexpr wchar_t kCableSwitch[] = L"C:\\link\\down";
+constexpr wchar_t kCableIsOut[] = L"C:\\link\\is-down";
+
+bool CanPullCable() { return IsDirectory(L"C:\\link"); }
+
+void PullCable() {
+  WriteTestFile(kCableSwitch, "");
+  EXPECT_TRUE(WaitUntil([] { return PathExists(kCableIsOut); }));
+}
+
+void PlugCableIn() {
+  DeleteFileW(kCableSwitch);
+  EXPECT_TRUE(WaitUntil([] { return !PathExists(kCableIsOut); }));
+}
+
+class Resume : public InstallerTest {
+ protected:
+  void TearDown() override {
+    if (CanPullCable()) PlugCableIn();
+    InstallerTest::TearDown();
+  }
+
+  // Starts a download and returns while its transfer waits for the server.
+  void StartAndStall(ScriptedAnswer stalling) {
+    Offer({package_});
+    stalling.body = package_.content;
+    stalling.stallAfter = kStall;
+    server_->AnswerNext(FilePath(package_), stalling);
+    Start(L"install:big.zip source:main");
+    ASSERT_TRUE(server_->WaitForStall());
+    ASSERT_TRUE(WaitUntil([this] { return FileSize(TempPath(L"big.zip")) >= kStall; }));
+  }
+
+  std::wstring Detail() { return ShownText(ChildAt(Window(), L"Static", 10, 54)); }
+
+  void ExpectInstalled() {
+    ExpectContent(TempPath(L"big.zip"), package_.content);
+    ExpectContent(TargetPath(L"Big\\data.bin"), content_);
+  }
+
+  // The second request for the package asked for the rest only.
+  void ExpectResumedFrom(uint64_t offset) {
+    const auto requests = server_->RequestsOf(FilePath(package_));
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[0].headers.count("range"), 0u);
+    EXPECT_EQ(requests[1].headers.at("range"), "bytes=" + std::to_string(offset) + "-");
+    ExpectInstalled();
+  }
+
+  const std::string content_ = TestBytes(kSize);
+  const TestPackage package_{.filename = "big.zip",
+                             .content = ZipOf({{"data.bin", content_}}),
+                             .name = "Big",
+                             .filetype = kZipType,
+                             .upsize = kSize};
+};
+
+TEST_F(Resume, AfterTheProgramWasKilled) {
+  StartAndStall({});
+  Process().Kill();
+  const uint64_t length = FileSize(TempPath(L"big.zip"));
+  server_->Resume();
+  Start(L"install:big.zip source:main");
+  ExpectLog(L"Resuming download process from: " + std::to_wstring(length));
+  ExpectEnd();
+  ExpectResumedFrom(length);
+}
+
+TEST_F(Resume, AfterThirtySecondsWithoutServer) {
+  ScriptedAnswer breaking;
+  breaking.closeAfter = kStall;
+  StartAndStall(breaking);
+  const uint64_t length = FileSize(TempPath(L"big.zip"));
+  server_->StopListening();
+  server_->Resume();
+  const auto shows = [this](int count) {
+    const std::wstring text = L"Bad Internet connection. Retrying.. (" + std::to_wstring(count) + L")";
+    return WaitUntil([&] { return Detail() == text; }, std::chrono::seconds(45));
+  };
+  EXPECT_TRUE(shows(5)) << "it shows " << testing::PrintToString(Detail());
+  EXPECT_TRUE(shows(28)) << "it shows " << testing::PrintToString(Detail());
+  server_.reset();
+  StartServer();
+  Offer({package_});
+  ExpectEnd();
+  const auto requests = server_->RequestsOf(FilePath(package_));
+  ASSERT_EQ(requests.size(), 1u);
+  EXPECT_EQ(requests[0].headers.at("range"), "bytes=" + std::to_string(length) + "-");
+  ExpectInstalled();
+}
+
+// Nobody is told that the cable was pulled, so the transfer goes on where it stood.
+TEST_F(Resume, WithAPulledCable) {
+  if (!CanPullCable()) GTEST_SKIP() << "nothing here can pull the cable";
+  StartAndStall({});
+  PullCable();
+  server_->Resume();
+  ASSERT_TRUE(WaitUntil([this] { return Detail().starts_with(L"Speed: 0 bytes/s"); }));
+  PlugCableIn();
+  ExpectEnd();
+  ExpectInstalled();
+  EXPECT_EQ(server_->RequestsOf(FilePath(package_)).size(), 1u);
+}
+
+// The error is told at once, and once; the list then comes by itself.
+TEST_F(Resume, StartsWithoutNetwork) {
+  if (!CanPullCable()) GTEST_SKIP() << "nothing here can pull the cable";
+  Offer({package_});
+  PullCable();
+  Start();
+  const InstallerBox box = ExpectBox();
+  EXPECT_EQ(box.caption, L"Manifest");
+  EXPECT_TRUE(box.text.starts_with(L"Error: 12029\n")) << testing::PrintToString(box.text);
+  AnswerBox(box, IDOK);
+  ASSERT_TRUE(WaitUntil([this] { return !FindBox(Process().Id()).window; }));
+  PlugCableIn();
+  PressInstall();
+  ExpectEnd();
+  ExpectInstalled();
+}
+
+TEST_F(Resume, StartsOverWhenTheRecordIsOfAnotherVersion) {
+  StartAndStall({});
+  Process().Kill();
+  server_->Resume();
+  SetFileAttributesW(TempPath(L"big.zip.stat").c_str(), FILE_ATTRIBUTE_NORMAL);
+  WriteTestFile(TempPath(L"big.zip.stat"), "1|of another version");
+  Start(L"install:big.zip source:main");
+  ExpectEnd();
+  const auto requests = server_->RequestsOf(FilePath(package_));
+  ASSERT_EQ(requests.size(), 2u);
+  EXPECT_EQ(requests[1].headers.count("range"), 0u);
+  ExpectInstalled();
+}
+
+TEST_F(Resume, AWholeFileIsNotFetchedAgain) {
+  Offer({package_});
+  Start(L"install:big.zip source:main");
+  ExpectEnd();
+  Close();
+  ExpectExit();
+  Start(L"install:big.zip source:main");
+  ExpectLog(L"File exists. Hash is ok (" + WidenBytes(Md5Of(package_.content)) + L")");
+  ExpectEnd();
+  EXPECT_EQ(server_->RequestsOf(FilePath(package_)).size(), 1u);
+}
+
+}  // namespace
