@@ -46,3 +46,8 @@ add_executable(drive_installer ${CMAKE_SOURCE_DIR}/tools/demo/drive_installer.cp
 set_project_options(drive_installer)
 target_include_directories(drive_installer PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(drive_installer PRIVATE zendora_text)
+
+add_executable(bench ${CMAKE_SOURCE_DIR}/tools/bench/bench.cpp ${CMAKE_SOURCE_DIR}/tests/program/installer_window.cpp)
+set_project_options(bench)
+target_include_directories(bench PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(bench PRIVATE zendora psapi)
