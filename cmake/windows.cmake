@@ -51,3 +51,11 @@ add_executable(bench ${CMAKE_SOURCE_DIR}/tools/bench/bench.cpp ${CMAKE_SOURCE_DI
 set_project_options(bench)
 target_include_directories(bench PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(bench PRIVATE zendora psapi)
+
+# Each build makes by default what is run with it: the in-process tests need the library's assertions, the rest the
+# program as it ships.
+if(CMAKE_BUILD_TYPE STREQUAL Release)
+  set_target_properties(windows_tests PROPERTIES EXCLUDE_FROM_ALL ON)
+else()
+  set_target_properties(program_tests demo_setup_program drive_installer bench PROPERTIES EXCLUDE_FROM_ALL ON)
+endif()
