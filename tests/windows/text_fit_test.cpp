@@ -144,11 +144,15 @@ TEST(TextFit, MenuBarFitsOneLine) {
 TEST(TextFit, DialogTextsFitTheirControls) {
   ForEachLanguage([] {
     ExpectFitInDialog(DIALOG_ABOUT,
-                      {{ABOUT_TITLE, 0, Text(STR_PRODUCT_TITLE)}, {ABOUT_VERSION, 0, Text(STR_VERSION) + L": 4.0.8"}});
+                      {{ABOUT_TITLE, 0, Text(STR_PRODUCT_TITLE)},
+                       {ABOUT_VERSION, 0, Text(STR_VERSION) + L": 4.0.8"},
+                       {ABOUT_LIBRARIES, 0, L"Third-party software:"}});
     ExpectFitInDialog(DIALOG_SPEED_LIMIT, {{IDOK, kButtonPadding, Text(STR_OK)},
                                            {SPEED_RESET, kButtonPadding, Text(STR_RESET)},
                                            {IDCANCEL, kButtonPadding, Text(STR_CANCEL)}});
     ExpectFitInDialog(DIALOG_UPDATE, {{UPDATE_STATUS, 0, Text(STR_DOWNLOADING_UPDATE)},
-                                      {UPDATE_STATUS, 0, Text(STR_INSTALLING_UPDATE)}});
+                                      {UPDATE_STATUS, 0, Text(STR_INSTALLING_UPDATE)},
+                                      {UPDATE_RECEIVED, 0, L"1023 MB"},
+                                      {UPDATE_TOTAL, 0, L"1023 MB"}});
   });
 }
