@@ -315,9 +315,9 @@ TEST(ThemePixels, NothingOfTheOtherAppearanceStays) {
     int x, y;
     COLORREF light;
   } points[] = {{"background", 2, 2, kWhite},
-                {"label", 300, 17, GetSysColor(COLOR_BTNFACE)},
+                {"label", 300, 17, kWhite},
                 {"log", 100, 250, kWhite},
-                {"check box", 500, 368, GetSysColor(COLOR_BTNFACE)}};
+                {"check box", 500, 368, kWhite}};
   for (const bool dark : {true, false, true}) {
     windows.userWantsDark = dark;
     DarkWindows::TellColorSetChange(window->Window());
