@@ -23,9 +23,7 @@ std::string AttributeOrEmpty(const XMLElement& element, const char* name) {
   return value ? value : "";
 }
 
-std::string ValueOf(const XMLElement& element) {
-  return AttributeOrEmpty(element, "value");
-}
+std::string ValueOf(const XMLElement& element) { return AttributeOrEmpty(element, "value"); }
 
 std::wstring DisplayText(const XMLElement& element) {
   const char* text = element.GetText();
@@ -104,9 +102,7 @@ Package ReadPackage(const XMLElement& element) {
 
 }  // namespace
 
-XMLElement* FindManifestRoot(tinyxml2::XMLDocument& document) {
-  return document.FirstChildElement("downloader");
-}
+XMLElement* FindManifestRoot(tinyxml2::XMLDocument& document) { return document.FirstChildElement("downloader"); }
 
 bool TakeUpdater(XMLElement& root, UpdaterInfo& updater) {
   XMLElement* element = root.FirstChildElement("updater");

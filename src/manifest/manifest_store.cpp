@@ -66,9 +66,7 @@ bool WriteAndClose(FILE* file, const std::string& text) {
 
 }  // namespace
 
-std::shared_ptr<const Manifest> CurrentManifest() {
-  return currentManifest.Get();
-}
+std::shared_ptr<const Manifest> CurrentManifest() { return currentManifest.Get(); }
 
 int LoadManifest(bool suppressSelfUpdate) {
   const bool fromNetwork = !manifestBuffer.empty();
@@ -107,6 +105,4 @@ bool SaveManifestCache() {
   return saved || !written;
 }
 
-bool ManifestCacheSaveFailed() {
-  return cacheSaveFailed;
-}
+bool ManifestCacheSaveFailed() { return cacheSaveFailed; }

@@ -22,9 +22,7 @@ void Replay(const std::vector<Chunk>& chunks) {
 
 }  // namespace
 
-TEST(SpeedLimiter, NeverPausesWithoutLimit) {
-  Replay({{5000, 4096, 0, 0}, {5000, 4'000'000'000, 0, 0}});
-}
+TEST(SpeedLimiter, NeverPausesWithoutLimit) { Replay({{5000, 4096, 0, 0}, {5000, 4'000'000'000, 0, 0}}); }
 
 TEST(SpeedLimiter, PausesUntilTheSecondIsOver) {
   // Three chunks are the first ones above the limit; the one after the pause opens a new second.
@@ -36,9 +34,7 @@ TEST(SpeedLimiter, PausesUntilTheSecondIsOver) {
           {6100, 4096, 10240, 900}});
 }
 
-TEST(SpeedLimiter, LimitItselfMayBeReached) {
-  Replay({{0, 4096, 8192, 0}, {0, 4096, 8192, 0}, {0, 1, 8192, 1000}});
-}
+TEST(SpeedLimiter, LimitItselfMayBeReached) { Replay({{0, 4096, 8192, 0}, {0, 4096, 8192, 0}, {0, 1, 8192, 1000}}); }
 
 TEST(SpeedLimiter, LimitBelowAChunkPausesAfterEach) {
   Replay({{5000, 4096, 1024, 1000}, {6000, 4096, 1024, 1000}, {7000, 4096, 1024, 1000}});

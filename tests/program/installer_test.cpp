@@ -107,8 +107,8 @@ void InstallerTest::ExpectEnd(const std::wstring& lastLine) {
   EXPECT_TRUE(WaitUntil([this] { return ShownText(BottomButton(Window())) == L"Exit"; }));
 }
 
-InstallerBox InstallerTest::ExpectBox() {
-  EXPECT_TRUE(WaitUntil([this] { return FindBox(process_->Id()).window != nullptr; }))
+InstallerBox InstallerTest::ExpectBox(std::chrono::milliseconds limit) {
+  EXPECT_TRUE(WaitUntil([this] { return FindBox(process_->Id()).window != nullptr; }, limit))
       << "no message box appeared; log: " << testing::PrintToString(LogLines(Window()));
   return FindBox(process_->Id());
 }

@@ -59,7 +59,7 @@ class InstallerTest : public testing::Test {
   void ExpectPage(Page page);
   void ExpectLog(const std::wstring& line);
   void ExpectEnd(const std::wstring& lastLine = L"Installation finished");
-  InstallerBox ExpectBox();
+  InstallerBox ExpectBox(std::chrono::milliseconds limit = std::chrono::seconds(20));
   void ExpectExit();
 
   static void ExpectContent(const std::wstring& path, const std::string& content);

@@ -6,8 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "app/localization.h"
-#include "manifest/manifest_store.h"
-#include "support/temp_folder.h"
+#include "support/test_manifest.h"
 #include "support/test_window.h"
 #include "system/files.h"
 
@@ -61,21 +60,18 @@ const std::string kFivePackages =
 class ComponentList : public testing::Test {
  protected:
   void SetUp() override {
-    app.manifestPath = folder_ / L"manifest.xml";
     app.upward.buildMainMenu = [] { ++menusBuilt; };
     app.installList.Set({});
     menusBuilt = 0;
     window_.Run([this] { SetWindowSubclass(List(), WatchList, 1, reinterpret_cast<DWORD_PTR>(&seen_)); });
   }
   void TearDown() override {
-    app.manifestPath.clear();
     app.upward.buildMainMenu = nullptr;
     app.installList.Set({});
   }
 
   void Fill(const std::string& packages) {
-    manifestBuffer = "<downloader><packages>" + packages + "</packages></downloader>";
-    ASSERT_GE(LoadManifest(true), 1);
+    LoadTestManifest("<downloader><packages>" + packages + "</packages></downloader>");
     PopulateComponentList();
   }
 
@@ -104,7 +100,6 @@ class ComponentList : public testing::Test {
     return L"Total size: " + FormatByteSize(download) + L" [after installation: " + FormatByteSize(installed) + L"]";
   }
 
-  TempFolder folder_;
   SeenMessages seen_;
   // Counts changed check boxes as the program's window procedure does.
   TestWindow window_{

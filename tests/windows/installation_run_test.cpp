@@ -10,6 +10,7 @@
 #include "net/form_encoding.h"
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
+#include "support/own_machine_key.h"
 #include "support/test_manifest.h"
 #include "support/text_recorder.h"
 #include "system/files.h"
@@ -34,7 +35,6 @@ const std::string kBothDownloaded =
 class InstallationRunTest : public testing::Test {
  protected:
   InstallationRunTest() { scenario_.server.Answer(kFoxPath, Serving(kFoxBody)); }
-  ~InstallationRunTest() override { RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr); }
 
   static void Install(const Texts& filenames, const std::string& packagesXml) {
     LoadTestManifest(ManifestXml(packagesXml));
@@ -155,13 +155,9 @@ TEST_F(InstallationRunTest, CancellingOrClosingStopsTheInstallPhaseAtTheNextPack
 
 TEST_F(InstallationRunTest, GamesThatAreThereAreReinstalledInPlaceWhenTheUserAgrees) {
   const std::wstring game = scenario_.folder / L"game";
-  const std::wstring program = game + L"\\gta_sa.exe";
-  WriteTestFile(program, "the game");
-  RegKey machine;  // MD5 can't be had while it stands in for the machine's own key
-  RegCreateKeyW(HKEY_CURRENT_USER, (app.registryKeyPath + L"\\machine").c_str(), machine.Receive());
-  RegSetKeyValueW(machine.Get(), L"SOFTWARE\\Rockstar Games\\GTA San Andreas\\Installation", L"ExePath", REG_SZ,
-                  program.c_str(), static_cast<DWORD>((program.size() + 1) * sizeof(wchar_t)));
-  EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine.Get()), ERROR_SUCCESS);
+  WriteTestFile(game + L"\\gta_sa.exe", "the game");
+  const OwnMachineKey machine;
+  machine.SetText(L"SOFTWARE\\Rockstar Games\\GTA San Andreas\\Installation", L"ExePath", game + L"\\gta_sa.exe");
   for (const bool agrees : {false, true}) {
     app.cancelRequested = false;
     gamePaths = {};

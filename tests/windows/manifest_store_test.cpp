@@ -20,9 +20,7 @@ constexpr char kTwoPackages[] = R"(<downloader>
 constexpr char kUpdater[] = R"(<updater md5="m" filesize="7"><source url="u"/></updater>)";
 constexpr char kNoUpdate[] = R"(<downloader><updater md5=""/><packages/></downloader>)";
 
-std::string WithRootChild(const std::string& child) {
-  return "<downloader>" + child + (kTwoPackages + 12);
-}
+std::string WithRootChild(const std::string& child) { return "<downloader>" + child + (kTwoPackages + 12); }
 
 class ManifestStore : public testing::Test {
  protected:
