@@ -85,6 +85,7 @@ TEST(ManifestReader, SelectionFollowsTheCatalogueOfSources) {
   const std::string two = "<source key='us' title='America'/><source key='eu' title='Europe'/></sources>";
   Manifest manifest;
   EXPECT_EQ(ReadInto(manifest, "<sources/>", "us"), "");
+  EXPECT_EQ(ReadInto(manifest, "<sources><source title='nameless'/></sources>", ""), "");
   EXPECT_EQ(ReadInto(manifest, "<sources default='eu'>" + two, "us"), std::nullopt);
   EXPECT_EQ(ReadInto(manifest, "<sources default='us'>" + two, "gone"), "us");
   EXPECT_EQ(ReadInto(manifest, "<sources>" + two, "US"), "eu");
