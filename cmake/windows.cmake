@@ -46,3 +46,16 @@ add_executable(drive_installer ${CMAKE_SOURCE_DIR}/tools/demo/drive_installer.cp
 set_project_options(drive_installer)
 target_include_directories(drive_installer PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(drive_installer PRIVATE zendora_text)
+
+add_executable(bench ${CMAKE_SOURCE_DIR}/tools/bench/bench.cpp ${CMAKE_SOURCE_DIR}/tests/program/installer_window.cpp)
+set_project_options(bench)
+target_include_directories(bench PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(bench PRIVATE zendora psapi)
+
+# Each build makes by default what is run with it: the in-process tests need the library's assertions, the rest the
+# program as it ships.
+if(CMAKE_BUILD_TYPE STREQUAL Release)
+  set_target_properties(windows_tests PROPERTIES EXCLUDE_FROM_ALL ON)
+else()
+  set_target_properties(program_tests demo_setup_program drive_installer bench PROPERTIES EXCLUDE_FROM_ALL ON)
+endif()

@@ -1,3 +1,64 @@
 #include "app/about_dialog.h"
 
-void AboutDialog() {}
+#include <windows.h>
+// shellapi.h needs windows.h before it.
+#include <shellapi.h>
+
+#include <string>
+
+#include "app/context.h"
+#include "app/dialogs.h"
+#include "app/localization.h"
+#include "app/theme.h"
+#include "system/text.h"
+
+namespace {
+
+constexpr wchar_t kLibraries[] = L"Third-party software:\ntinyxml2\nminizip";
+
+void Initialize(HWND dialog) {
+  CenterOverOwner(dialog);
+  SetWindowTextW(dialog, LoadLocalizedString(STR_HELP).c_str());
+  const std::wstring version = LoadLocalizedString(STR_VERSION) + L": " + WidenBytes(kProductVersion);
+  SetDlgItemTextW(dialog, ABOUT_LIBRARIES, kLibraries);
+  SetDlgItemTextW(dialog, ABOUT_TITLE, LoadLocalizedString(STR_PRODUCT_TITLE).c_str());
+  SetDlgItemTextW(dialog, ABOUT_VERSION, version.c_str());
+  DialogDarkInit(dialog);
+}
+
+std::wstring WindowText(HWND window) {
+  std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+  text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+  return text;
+}
+
+// The buttons show addresses without their scheme.
+void OpenLink(HWND button) {
+  const std::wstring address = L"https://" + WindowText(button);
+  ShellExecuteW(nullptr, L"open", address.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+}
+
+void OnCommand(HWND dialog, int id) {
+  if (id == IDOK || id == IDCANCEL) {
+    EndDialog(dialog, id);
+  } else if (id >= ABOUT_FIRST_LINK && id <= ABOUT_LAST_LINK) {
+    OpenLink(GetDlgItem(dialog, id));
+  }
+}
+
+INT_PTR CALLBACK AboutProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG:
+      Initialize(dialog);
+      return TRUE;
+    case WM_COMMAND:
+      OnCommand(dialog, LOWORD(wParam));
+      return TRUE;
+    default:
+      return AnswerThemeMessage(dialog, message, wParam, lParam).value_or(FALSE);
+  }
+}
+
+}  // namespace
+
+void AboutDialog() { DialogBoxParamW(app.instance, MAKEINTRESOURCEW(DIALOG_ABOUT), app.mainWindow, AboutProc, 0); }

@@ -4,6 +4,7 @@
 
 #include "app/command_line_tokens.h"
 #include "app/context.h"
+#include "app/replaced_program.h"
 #include "system/path_names.h"
 #include "system/text.h"
 
@@ -21,7 +22,7 @@ std::wstring_view FittingStart(std::wstring_view commandLine) {
 void ParseCommandLine(std::wstring_view commandLine) {
   app.commandLine = FittingStart(commandLine);
   CommandLineRequest request = ParseCommandLineTokens(WideToUtf8(commandLine));
-  if (request.updated) DeleteFileW(app.backupPath.c_str());
+  if (request.updated) RemoveReplacedProgram();
   if (request.installList) app.installList.Set(std::move(*request.installList));
   if (request.source) app.selectedSource.Set(std::move(*request.source));
 }

@@ -8,6 +8,7 @@
 #include "app/localization.h"
 #include "app/main_menu.h"
 #include "app/main_window.h"
+#include "app/replaced_program.h"
 #include "app/settings.h"
 #include "app/single_instance.h"
 #include "app/theme.h"
@@ -59,6 +60,7 @@ int RunProgram(HINSTANCE instance, const std::wstring& commandLine, int showComm
   if (!ClaimSingleInstance(commandLine)) return 0;
   SetApplicationId();
   ProbeEnvironment();
+  RestoreReplacedProgram();
   if (!commandLine.empty()) ParseCommandLine(commandLine);
   LoadSettings();
   SetThreadLanguage(app.uiLanguage);

@@ -10,6 +10,7 @@
 
 #include "app/context.h"
 #include "app/localization.h"
+#include "app/speed_scale.h"
 #include "manifest/default_install_path.h"
 #include "system/files.h"
 #include "system/path_names.h"
@@ -139,7 +140,7 @@ void LoadSettings() {
   SettleInstallPath(ReadPath(key, kLastInstallPath));
   app.deleteTmpFiles = ReadNumber(key, kDeleteTmpFiles) == 1;
   app.maxDownloadSpeedKB = ReadNumber(key, kMaxDownloadSpeed);
-  app.speedLimitBytes = app.maxDownloadSpeedKB << 10;
+  app.speedLimitBytes = SpeedInBytes(app.maxDownloadSpeedKB);
   ResolveUiLanguage(ReadNumber(key, kLanguage));
 }
 

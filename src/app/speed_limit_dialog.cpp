@@ -1,3 +1,118 @@
 #include "app/speed_limit_dialog.h"
 
-void SpeedLimitDialog() {}
+#include <windows.h>
+// commctrl.h needs windows.h before it.
+#include <commctrl.h>
+
+#include <string>
+
+#include "app/context.h"
+#include "app/dialogs.h"
+#include "app/localization.h"
+#include "app/settings.h"
+#include "app/speed_scale.h"
+#include "app/theme.h"
+
+namespace {
+
+// Both outlive a dialog. While the slider is dragged, the edit follows it and not the other way round.
+uint32_t scaleMax = 1'000;
+bool dragEnded = true;
+
+uint32_t EnteredSpeed(HWND dialog) {
+  wchar_t text[10];
+  GetDlgItemTextW(dialog, SPEED_EDIT, text, ARRAYSIZE(text));
+  return ParseSpeed(text);
+}
+
+void ShowSpeed(HWND dialog, uint32_t speed) { SetDlgItemTextW(dialog, SPEED_EDIT, SpeedText(speed).c_str()); }
+
+void MoveSlider(HWND dialog, uint32_t position) {
+  SendDlgItemMessageW(dialog, SPEED_TRACKBAR, TBM_SETPOS, TRUE, static_cast<LPARAM>(position));
+}
+
+void FitScale(HWND dialog, uint32_t speed) {
+  scaleMax = SpeedScaleMax(speed);
+  MoveSlider(dialog, PositionOfSpeed(speed, scaleMax));
+}
+
+void Initialize(HWND dialog) {
+  SetWindowTextW(dialog, LoadLocalizedString(STR_SPEED_LIMIT).c_str());
+  FitScale(dialog, app.maxDownloadSpeedKB);
+  ShowSpeed(dialog, app.maxDownloadSpeedKB);
+  SetDlgItemTextW(dialog, IDOK, LoadLocalizedString(STR_OK).c_str());
+  SetDlgItemTextW(dialog, SPEED_RESET, LoadLocalizedString(STR_RESET).c_str());
+  SetDlgItemTextW(dialog, IDCANCEL, LoadLocalizedString(STR_CANCEL).c_str());
+  CenterOverOwner(dialog);
+  DialogDarkInit(dialog);
+}
+
+// Releasing the slider at the end of the scale moves on to a larger one.
+void OnSlider(HWND dialog, WORD notification) {
+  dragEnded = notification == TB_ENDTRACK;
+  const auto position = static_cast<uint32_t>(SendDlgItemMessageW(dialog, SPEED_TRACKBAR, TBM_GETPOS, 0, 0));
+  const uint32_t speed = SpeedAtPosition(position, scaleMax);
+  if (speed != EnteredSpeed(dialog)) ShowSpeed(dialog, speed);
+  if (dragEnded) FitScale(dialog, speed);
+}
+
+void OnEditChanged(HWND dialog) {
+  if (dragEnded) FitScale(dialog, EnteredSpeed(dialog));
+}
+
+void OnReset(HWND dialog) {
+  ShowSpeed(dialog, 0);
+  MoveSlider(dialog, 0);
+  scaleMax = SpeedScaleMax(app.maxDownloadSpeedKB);
+}
+
+void OnOk(HWND dialog) {
+  const uint32_t speed = EnteredSpeed(dialog);
+  if (speed != app.maxDownloadSpeedKB) {
+    app.maxDownloadSpeedKB = speed;
+    app.speedLimitBytes = SpeedInBytes(speed);
+    SaveMaxDownloadSpeed();
+  }
+  EndDialog(dialog, IDOK);
+}
+
+void OnCommand(HWND dialog, int id, int notification) {
+  switch (id) {
+    case IDOK:
+      return OnOk(dialog);
+    case IDCANCEL:
+      EndDialog(dialog, IDCANCEL);
+      return;
+    case SPEED_RESET:
+      return OnReset(dialog);
+    case SPEED_EDIT:
+      if (notification == EN_CHANGE) OnEditChanged(dialog);
+      return;
+  }
+}
+
+INT_PTR CALLBACK SpeedLimitProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG:
+      Initialize(dialog);
+      return TRUE;
+    case WM_HSCROLL:
+      OnSlider(dialog, LOWORD(wParam));
+      return TRUE;
+    case WM_COMMAND:
+      OnCommand(dialog, LOWORD(wParam), HIWORD(wParam));
+      return TRUE;
+    case WM_THEMECHANGED:
+      DialogThemeChanged(dialog);
+      ThemeUnstyledControl(GetDlgItem(dialog, SPEED_EDIT));
+      return TRUE;
+    default:
+      return AnswerThemeMessage(dialog, message, wParam, lParam).value_or(FALSE);
+  }
+}
+
+}  // namespace
+
+void SpeedLimitDialog() {
+  DialogBoxParamW(app.instance, MAKEINTRESOURCEW(DIALOG_SPEED_LIMIT), app.mainWindow, SpeedLimitProc, 0);
+}

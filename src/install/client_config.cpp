@@ -41,8 +41,16 @@ bool WriteNewFile(const std::wstring& path, const std::string& bytes) {
          written == bytes.size();
 }
 
+// An installer that runs elevated could replace even a file that may not be written.
+bool MayBeWritten(const std::wstring& path) {
+  constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+  return static_cast<bool>(file);
+}
+
 // The player's settings survive a full disk or a crash: the new text is complete before it takes the place of the old.
 void ReplaceFileText(const std::wstring& path, const std::string& bytes) {
+  if (!MayBeWritten(path)) return;
   const std::wstring newPath = path + L".new";
   if (WriteNewFile(newPath, bytes) && ReplaceFileW(path.c_str(), newPath.c_str(), nullptr, 0, nullptr, nullptr)) return;
   DeleteFileW(newPath.c_str());

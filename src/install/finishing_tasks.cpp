@@ -1,7 +1,6 @@
 #include "install/finishing_tasks.h"
 
 #include <shlobj.h>
-#include <windows.h>
 
 #include "app/page_controls.h"
 #include "install/client_config.h"
@@ -19,11 +18,6 @@ std::wstring Piece(const std::vector<std::string>& pieces, size_t index) {
   return index < pieces.size() ? WidenBytes(pieces[index]) : L"";
 }
 
-std::wstring DesktopFolder() {
-  wchar_t path[MAX_PATH];
-  return SHGetFolderPathW(nullptr, CSIDL_DESKTOP, nullptr, SHGFP_TYPE_CURRENT, path) == S_OK ? path : L"";
-}
-
 }  // namespace
 
 void RunAddons(const Package& package, const std::string& targetFolder) {
@@ -39,9 +33,9 @@ void CreateDesktopLink(const Package& package, const std::wstring& targetFolder)
   if (!FileExistsNonEmpty(program)) return;
   const std::wstring title = Piece(pieces, 1);
   const std::wstring name = title.empty() ? LastComponent(program) : title;
-  const std::wstring desktop = DesktopFolder();
+  const std::wstring desktop = SpecialFolder(CSIDL_DESKTOP);
   if (desktop.empty()) return;
-  if (!IsSafeRelativePath(name)) {
+  if (!IsSafeRelativePath(name + L".lnk")) {
     AppendLog(L"[ERROR] Unsafe path (" + name + L")");
     return;
   }

@@ -7,4 +7,4 @@
 
 // Writes a shortcut to the program `target`, which starts in that program's folder. ".lnk" is appended to `linkPath`
 // where it is missing; missing folders are made; an existing shortcut is overwritten. `description` may be empty.
-HRESULT CreateShortcut(const std::wstring& target, std::wstring linkPath, const std::wstring& description);
+HRESULT CreateShortcut(std::wstring target, std::wstring linkPath, const std::wstring& description);

@@ -1,5 +1,6 @@
 #include "manifest/browse_for_path.h"
 
+#include <cderr.h>
 #include <commdlg.h>
 #include <shlobj.h>
 #include <shlwapi.h>
@@ -31,15 +32,14 @@ void StartIn(IFileOpenDialog* dialog, const std::wstring& folder) {
   dialog->SetFolder(item.Get());
 }
 
-std::optional<std::wstring> FileSystemPath(IShellItem* item) {
+// Empty for the shell's own folders, which are no place on a disk.
+std::wstring FileSystemPath(IShellItem* item) {
   ComText path;
-  if (FAILED(item->GetDisplayName(SIGDN_FILESYSPATH, path.Receive()))) return std::nullopt;
-  return std::wstring(path.Get());
+  return SUCCEEDED(item->GetDisplayName(SIGDN_FILESYSPATH, path.Receive())) ? path.Get() : L"";
 }
 
 // The system's folder picker. Nothing when it was cancelled or could not be shown.
 std::optional<std::wstring> PickFolder(HWND owner, unsigned title, const std::wstring& startFolder) {
-  const ComSession session;
   ComPointer<IFileOpenDialog> dialog;
   if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_ALL, IID_PPV_ARGS(dialog.Receive())))) return {};
   DWORD options = 0;
@@ -62,9 +62,8 @@ std::optional<std::wstring> PickUsableFolder(HWND owner, unsigned title, const s
 }
 
 bool IsOnDesktop(const std::wstring& path) {
-  wchar_t desktop[MAX_PATH];
-  return SHGetFolderPathW(nullptr, CSIDL_DESKTOP, nullptr, SHGFP_TYPE_CURRENT, desktop) == S_OK &&
-         path.starts_with(desktop);
+  const std::wstring desktop = SpecialFolder(CSIDL_DESKTOP);
+  return !desktop.empty() && path.starts_with(desktop);
 }
 
 bool UserWantsAnotherFolder() {
@@ -122,7 +121,13 @@ std::optional<std::wstring> PickProgram(HWND owner, const std::vector<std::wstri
   dialog.lpstrTitle = title.c_str();
   // The picker must not move the process to the folder that the user browsed to.
   dialog.Flags = OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
-  if (!GetOpenFileNameW(&dialog)) return {};
+  bool chosen = GetOpenFileNameW(&dialog);
+  // What stood in the registry need not be a path; the picker then refuses to open with it.
+  if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
+    path[0] = L'\0';
+    chosen = GetOpenFileNameW(&dialog);
+  }
+  if (!chosen) return {};
   return std::wstring(path);
 }
 
@@ -141,6 +146,7 @@ bool BrowseForProgram(HWND owner, const std::vector<std::wstring>& names, std::w
 }  // namespace
 
 bool BrowseForPath(HWND owner, BrowseMode mode) {
+  const ComSession session;  // both pickers show folders through the shell, which needs it
   switch (mode) {
     case BrowseMode::InstallFolder:
       return BrowseForInstallFolder(owner);

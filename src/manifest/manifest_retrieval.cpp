@@ -4,6 +4,7 @@
 #include "app/localization.h"
 #include "app/message_boxes.h"
 #include "app/page_controls.h"
+#include "app/replaced_program.h"
 #include "app/site.h"
 #include "manifest/component_list.h"
 #include "manifest/manifest_store.h"
@@ -79,12 +80,13 @@ void LoadAndShow() {
   const bool startRequested = !app.installList.Get()->empty();
   const HWND installButton = InstallButton();
   if (packages > 0) {
+    RemoveForgottenCopy();
     PopulateComponentList();
   } else if (app.restartRequested) {
     return;
   }
   if (ManifestCacheSaveFailed()) OfferRepairOfCache();
-  if (startRequested) SendMessageW(installButton, BM_CLICK, 0, 0);
+  if (startRequested && !app.updateInProgress) SendMessageW(installButton, BM_CLICK, 0, 0);
 }
 
 }  // namespace

@@ -1,13 +1,11 @@
 #include "manifest/placeholders.h"
 
-#include <shlobj.h>
-#include <windows.h>
-
 #include <cstdlib>
 
 #include "app/context.h"
 #include "manifest/browse_for_path.h"
 #include "manifest/game_paths.h"
+#include "system/files.h"
 #include "system/text.h"
 
 namespace {
@@ -16,11 +14,6 @@ namespace {
 std::wstring KnownOrPicked(const std::wstring& known, BrowseMode mode) {
   if (known.empty() && !BrowseForPath(app.mainWindow, mode)) return {};
   return known;
-}
-
-std::wstring SpecialFolder(int csidl) {
-  wchar_t path[MAX_PATH];
-  return SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, path) == S_OK ? path : L"";
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ std::wstring SystemText(uint32_t code) {
   const DWORD length =
       FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM,
                      nullptr, code, 0, reinterpret_cast<wchar_t*>(&buffer), 0, nullptr);
-  const std::wstring text(buffer, length);
+  std::wstring text(buffer, length);
   LocalFree(buffer);
   return text;
 }

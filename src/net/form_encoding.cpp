@@ -26,6 +26,4 @@ std::string FormEncode(std::string_view bytes) {
   return encoded;
 }
 
-std::string FormEncodeUtf8(std::wstring_view text) {
-  return FormEncode(WideToUtf8(text));
-}
+std::string FormEncodeUtf8(std::wstring_view text) { return FormEncode(WideToUtf8(text)); }

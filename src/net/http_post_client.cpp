@@ -13,9 +13,7 @@ constexpr DWORD kTimeoutMs = 3000;
 
 }  // namespace
 
-HttpPostClient::HttpPostClient() : userAgent_(app.userAgent), session_(OpenSession(userAgent_)) {
-  ApplyTimeouts();
-}
+HttpPostClient::HttpPostClient() : userAgent_(app.userAgent), session_(OpenSession(userAgent_)) { ApplyTimeouts(); }
 
 void HttpPostClient::SetUrl(const std::wstring& url) {
   target_ = CrackUrl(url);

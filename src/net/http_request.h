@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "net/http_client.h"
+#include "net/http_result.h"
 #include "net/wininet_api.h"
 
 // Opens a WinINet session with the system's proxy settings.

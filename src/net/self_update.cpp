@@ -1,3 +1,142 @@
 #include "net/self_update.h"
 
-void RunSelfUpdate(const UpdaterInfo&) {}
+#include <windows.h>
+
+#include <deque>
+
+#include "app/context.h"
+#include "app/localization.h"
+#include "app/message_boxes.h"
+#include "app/replaced_program.h"
+#include "app/update_dialog.h"
+#include "net/file_hash.h"
+#include "net/http_client.h"
+#include "net/network_errors.h"
+#include "system/error_message.h"
+#include "system/files.h"
+#include "system/message_pump.h"
+#include "system/process.h"
+#include "system/text.h"
+
+// The story starts at the end of this file. Everything that may take long runs on a helping thread, so that the dialog's
+// own thread can serve it.
+
+namespace {
+
+constexpr int kMaxRetries = 60;
+
+struct Update {
+  HWND dialog;
+  std::wstring file;         // the downloaded program
+  std::string md5;           // that it must have
+  std::wstring helpAddress;  // where a person gets it
+  HttpClient client;
+  uint32_t error = 0;  // of the last failure, 0 when there was none or the system had no part in it
+};
+
+bool IsAnnouncedFile(const Update& update) {
+  bool right = false;
+  RunWhileServing(update.dialog, [&] { right = ComputeFileMd5(update.file, nullptr) == update.md5; });
+  return right;
+}
+
+HttpResult Download(Update& update, const std::wstring& url) {
+  HttpResult result;
+  RunWhileServing(update.dialog, [&] {
+    result = update.client.DownloadToFile(url, update.file, 0, OnUpdateDownloadProgress);
+  });
+  return result;
+}
+
+HttpResult DownloadThroughOutage(Update& update, const std::wstring& url) {
+  HttpResult result = Download(update, url);
+  for (int retries = 0; IsRetryableNetworkError(result.error) && retries < kMaxRetries; ++retries) {
+    pauseBeforeUpdateRetry(update.dialog);
+    result = Download(update, url);
+  }
+  return result;
+}
+
+// The user is asked, and the permissions of the temporary folder are repaired.
+bool RepairedOnRequest(const Update& update) {
+  const std::wstring text = FormatErrorMessage(ERROR_ACCESS_DENIED, LoadLocalizedString(STR_FIX_PERMISSIONS));
+  const std::wstring caption = LoadLocalizedString(STR_UPDATE);
+  if (MessageBoxW(update.dialog, text.c_str(), caption.c_str(), MB_YESNO | MB_ICONERROR) != IDYES) return false;
+  bool repaired = false;
+  RunWhileServing(update.dialog, [&] { repaired = RepairPermissions(); });
+  return repaired;
+}
+
+bool ObtainFrom(Update& update, const std::wstring& url) {
+  ClearUpdateDisplay();
+  HttpResult result = DownloadThroughOutage(update, url);
+  if (result.error == ERROR_ACCESS_DENIED && RepairedOnRequest(update)) result = DownloadThroughOutage(update, url);
+  update.error = result.error;
+  return result.received != 0 && IsAnnouncedFile(update);
+}
+
+bool ObtainFile(Update& update, std::deque<std::string> urls) {
+  // An earlier attempt may have brought it.
+  if (FileExistsNonEmpty(update.file) && IsAnnouncedFile(update)) return true;
+  for (; !urls.empty(); urls.pop_front()) {
+    const std::wstring url = WidenBytes(urls.front());
+    if (update.helpAddress.empty()) update.helpAddress = url;
+    if (ObtainFrom(update, url)) return true;
+  }
+  return false;
+}
+
+// A running program can be moved, but not overwritten. Returns 0 or the error; the old program is then in its place.
+uint32_t ReplaceProgram(const std::wstring& newFile) {
+  constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  if (!MoveFileExW(app.exePath.c_str(), app.backupPath.c_str(), kFlags)) return GetLastError();
+  if (CopyFileW(newFile.c_str(), app.exePath.c_str(), FALSE)) return ERROR_SUCCESS;
+  const DWORD error = GetLastError();
+  MoveFileExW(app.backupPath.c_str(), app.exePath.c_str(), kFlags);
+  return error;
+}
+
+bool Install(Update& update) {
+  ShowUpdateProgress(100);
+  ShowUpdateStatus(STR_INSTALLING_UPDATE);
+  // A window that is closed now waits, as for a worker: the process must not end between the two steps.
+  app.installRunning = true;
+  RunWhileServing(update.dialog, [&] { update.error = ReplaceProgram(update.file); });
+  app.installRunning = false;
+  return update.error == ERROR_SUCCESS;
+}
+
+// Who has closed the window meanwhile doesn't want to see the program again.
+void Relaunch() {
+  app.restartArgs = L"updated";
+  app.commandLine.clear();
+  app.restartRequested = app.closeAttempts == 0;
+  PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
+}
+
+void GiveUp(const Update& update) {
+  SetLastError(update.error);
+  PromptDownloadLatest(update.helpAddress);
+  EnableWindow(app.mainWindow, TRUE);
+}
+
+}  // namespace
+
+void (*pauseBeforeUpdateRetry)(HWND dialog) = [](HWND dialog) { WaitWhileServing(dialog, 1000); };
+
+void RunSelfUpdate(const UpdaterInfo& announced) {
+  DeleteFileW(app.manifestPath.c_str());  // the next start is to ask anew
+  const HWND dialog = CreateUpdateDialog(announced.filesize);
+  if (!dialog) return;
+  ShowWindow(dialog, SW_SHOW);
+  EnableWindow(app.mainWindow, FALSE);
+  ShowUpdateStatus(STR_DOWNLOADING_UPDATE);
+
+  Update update{dialog, UpdateFilePath(), announced.md5,
+                WidenBytes(announced.helpURL), {}};
+  if (ObtainFile(update, announced.urls) && Install(update)) {
+    Relaunch();
+  } else {
+    GiveUp(update);
+  }
+}

@@ -5,9 +5,7 @@
 namespace {
 
 // The endpoint reads these counts as signed.
-std::string Signed(uint64_t count) {
-  return std::to_string(static_cast<int64_t>(count));
-}
+std::string Signed(uint64_t count) { return std::to_string(static_cast<int64_t>(count)); }
 
 // Appends a member to a JSON object's text, whose opening brace is there already.
 void AppendMember(std::string& json, std::string_view key, const std::string& value) {
@@ -21,9 +19,7 @@ void AppendNumber(std::string& json, std::string_view key, const std::string& va
   if (value != "0") AppendMember(json, key, value);
 }
 
-std::string FormStart(const std::string& uuid, std::string_view type) {
-  return ("u=" + uuid + "&type=").append(type);
-}
+std::string FormStart(const std::string& uuid, std::string_view type) { return ("u=" + uuid + "&type=").append(type); }
 
 // The rest of a body, with the error records that follow its line.
 std::string PhaseEndFields(const PhaseEnd& end) {
@@ -36,9 +32,7 @@ std::string PhaseEndFields(const PhaseEnd& end) {
   return fields + "&stats=" + end.statsField + end.errorRecords;
 }
 
-std::string RecordStart(std::string_view package) {
-  return std::string("\r\npackage=").append(package);
-}
+std::string RecordStart(std::string_view package) { return std::string("\r\npackage=").append(package); }
 
 std::string TransferRecordStart(std::string_view package, std::string_view source, uint32_t status) {
   return RecordStart(package).append("&source=").append(source) + "&code=" + std::to_string(status);

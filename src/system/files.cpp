@@ -1,5 +1,6 @@
 #include "system/files.h"
 
+#include <shlobj.h>
 #include <shlwapi.h>
 #include <windows.h>
 
@@ -58,6 +59,11 @@ std::optional<std::string> ReadWholeFile(const std::wstring& path) {
     bytes.append(chunk, count);
   } while (count != 0);
   return bytes;
+}
+
+std::wstring SpecialFolder(int csidl) {
+  wchar_t path[MAX_PATH];
+  return SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, path) == S_OK ? path : L"";
 }
 
 std::wstring FormatByteSize(int64_t bytes) {

@@ -24,6 +24,9 @@ uint32_t CreateDirectories(const std::wstring& path);
 // The whole file as bytes; nothing when it can't be opened or read.
 std::optional<std::string> ReadWholeFile(const std::wstring& path);
 
+// The user's folder of that CSIDL_... number; empty when there is none.
+std::wstring SpecialFolder(int csidl);
+
 // Windows' short byte-size text in the user's locale ("1.45 GB"); empty when the system can't format it. Any thread.
 std::wstring FormatByteSize(int64_t bytes);
 

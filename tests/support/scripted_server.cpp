@@ -71,9 +71,7 @@ RecordedRequest ParseRequest(const std::string& raw) {
   return request;
 }
 
-std::string PathOf(const RecordedRequest& request) {
-  return request.target.substr(0, request.target.find('?'));
-}
+std::string PathOf(const RecordedRequest& request) { return request.target.substr(0, request.target.find('?')); }
 
 // What is sent for one request: the answer's head, and the part of its body that the request asks for.
 struct Response {

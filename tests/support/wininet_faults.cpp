@@ -35,9 +35,7 @@ SendFaults::SendFaults(std::deque<DWORD> errors) : exchanged_(WinInet().HttpSend
   sendFaults = {std::move(errors), 0, exchanged_.Original()};
 }
 
-int SendFaults::Sends() const {
-  return sendFaults.sends;
-}
+int SendFaults::Sends() const { return sendFaults.sends; }
 
 BOOL WINAPI SendFaults::Send(HINTERNET request, LPCWSTR headers, DWORD headersLength, LPVOID body, DWORD bodyLength) {
   ++sendFaults.sends;

@@ -53,11 +53,11 @@ BOOL WINAPI QueryKeepingError(HINTERNET request, DWORD level, LPVOID buffer, LPD
   return done;
 }
 
-std::string Gzip(std::string plain) {
+std::string Gzip(const std::string& plain) {
   z_stream stream = {};
   deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, 16 + MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
   std::string packed(plain.size() + 100, '\0');
-  stream.next_in = reinterpret_cast<Bytef*>(plain.data());
+  stream.next_in = const_cast<Bytef*>(reinterpret_cast<const Bytef*>(plain.data()));
   stream.avail_in = static_cast<uInt>(plain.size());
   stream.next_out = reinterpret_cast<Bytef*>(packed.data());
   stream.avail_out = static_cast<uInt>(packed.size());

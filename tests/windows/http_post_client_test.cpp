@@ -27,9 +27,7 @@ BOOL WINAPI WatchSetOption(HINTERNET handle, DWORD option, LPVOID value, DWORD s
   return realSetOption(handle, option, value, size);
 }
 
-HINTERNET WINAPI FailToOpen(LPCWSTR, DWORD, LPCWSTR, LPCWSTR, DWORD) {
-  return nullptr;
-}
+HINTERNET WINAPI FailToOpen(LPCWSTR, DWORD, LPCWSTR, LPCWSTR, DWORD) { return nullptr; }
 
 }  // namespace
 

@@ -13,6 +13,7 @@
 #include "net/form_encoding.h"
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
+#include "support/own_machine_key.h"
 #include "support/text_recorder.h"
 #include "system/files.h"
 
@@ -26,31 +27,6 @@ const std::string kMainSource = SourceXml("main", kFoxUrl);
 std::string FoxXml(const std::string& filename, const std::string& sources = kMainSource) {
   return PackageXml(filename, kFoxMd5, sources, "<name value=\"" + filename + " folder\"/>");
 }
-
-// HKEY_LOCAL_MACHINE is an empty key of the tests' own while this lives. MD5 can't be had meanwhile.
-class OwnMachineKey {
- public:
-  OwnMachineKey() {
-    RegCreateKeyW(HKEY_CURRENT_USER, kPath, key_.Receive());
-    EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, key_.Get()), ERROR_SUCCESS);
-  }
-  ~OwnMachineKey() {
-    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-    RegDeleteTreeW(HKEY_CURRENT_USER, kPath);
-  }
-
-  void SetText(const wchar_t* path, const wchar_t* value, const std::wstring& text) const {
-    RegKey key;
-    EXPECT_EQ(RegCreateKeyW(key_.Get(), path, key.Receive()), ERROR_SUCCESS);
-    EXPECT_EQ(RegSetValueExW(key.Get(), value, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                             static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
-              ERROR_SUCCESS);
-  }
-
- private:
-  static constexpr wchar_t kPath[] = L"SOFTWARE\\Zendora Installer Tests\\machine";
-  RegKey key_;
-};
 
 class InstallationRunTest : public testing::Test {
  protected:

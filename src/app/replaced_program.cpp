@@ -1,0 +1,40 @@
+#include "app/replaced_program.h"
+
+#include <windows.h>
+
+#include "app/context.h"
+#include "net/file_hash.h"
+#include "system/files.h"
+#include "system/path_names.h"
+
+namespace {
+
+constexpr std::wstring_view kBackupSuffix = L".backup";
+
+}  // namespace
+
+std::wstring UpdateFilePath() { return JoinPath(*app.tmpPath.Get(), L"launcher.update"); }
+
+void RemoveReplacedProgram() {
+  constexpr int kTries = 20;
+  constexpr DWORD kPauseMs = 50;
+  for (int i = 0; i < kTries && !DeleteFileW(app.backupPath.c_str()); ++i) {
+    const DWORD error = GetLastError();
+    if (error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) return;
+    Sleep(kPauseMs);
+  }
+}
+
+void RestoreReplacedProgram() {
+  if (!app.exePath.ends_with(kBackupSuffix)) return;
+  const std::wstring program = app.exePath.substr(0, app.exePath.size() - kBackupSuffix.size());
+  if (!MoveFileExW(app.exePath.c_str(), program.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return;
+  app.backupPath = app.exePath;
+  app.exePath = program;
+}
+
+void RemoveForgottenCopy() {
+  if (app.updateInProgress || !PathExists(app.backupPath)) return;
+  const std::string ownHash = ComputeFileMd5(app.exePath, nullptr);
+  if (!ownHash.empty() && ownHash == ComputeFileMd5(UpdateFilePath(), nullptr)) DeleteFileW(app.backupPath.c_str());
+}

@@ -1,0 +1,59 @@
+#include "system/folder_removal.h"
+
+#include <shlwapi.h>
+#include <windows.h>
+
+#include "system/handles.h"
+#include "system/path_names.h"
+
+namespace {
+
+bool IsDotName(const wchar_t* name) {
+  return name[0] == L'.' && (name[1] == L'\0' || (name[1] == L'.' && name[2] == L'\0'));
+}
+
+void MakeWritable(const std::wstring& path, DWORD attributes) {
+  if (attributes & FILE_ATTRIBUTE_READONLY) SetFileAttributesW(path.c_str(), attributes & ~FILE_ATTRIBUTE_READONLY);
+}
+
+void RemoveEntry(const std::wstring& path, DWORD attributes);
+
+void RemoveContents(const std::wstring& folder) {
+  WIN32_FIND_DATAW entry;
+  const FindHandle find(FindFirstFileW(JoinPath(folder, L"*").c_str(), &entry));
+  if (!find) return;
+  do {
+    if (!IsDotName(entry.cFileName)) RemoveEntry(JoinPath(folder, entry.cFileName), entry.dwFileAttributes);
+  } while (FindNextFileW(find.Get(), &entry));
+}
+
+void RemoveEntry(const std::wstring& path, DWORD attributes) {
+  const bool isFolder = attributes & FILE_ATTRIBUTE_DIRECTORY;
+  const bool isLink = attributes & FILE_ATTRIBUTE_REPARSE_POINT;
+  if (isFolder && !isLink) RemoveContents(path);
+  MakeWritable(path, attributes);
+  if (isFolder) {
+    RemoveDirectoryW(path.c_str());
+  } else {
+    DeleteFileW(path.c_str());
+  }
+}
+
+// A drive's root, a share's, or a folder that another volume is mounted on.
+bool IsVolumeRoot(const std::wstring& path) {
+  wchar_t full[MAX_PATH], volume[MAX_PATH];
+  const DWORD length = GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
+  if (length == 0 || length >= MAX_PATH || !GetVolumePathNameW(full, volume, MAX_PATH)) return true;
+  PathAddBackslashW(full);
+  PathAddBackslashW(volume);
+  return lstrcmpiW(full, volume) == 0;
+}
+
+}  // namespace
+
+void RemoveFolder(const std::wstring& path) {
+  if (path.empty() || PathIsRelativeW(path.c_str()) || IsVolumeRoot(path)) return;
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_DIRECTORY)) return;
+  RemoveEntry(path, attributes);
+}

@@ -1,0 +1,393 @@
+#include "net/self_update.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+// commctrl.h needs windows.h before it.
+#include <commctrl.h>
+
+#include <future>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/context.h"
+#include "app/replaced_program.h"
+#include "app/site.h"
+#include "net/network_errors.h"
+#include "support/box_recorder.h"
+#include "support/exchanged.h"
+#include "support/replaced_import.h"
+#include "support/scripted_server.h"
+#include "support/shell_recorder.h"
+#include "support/temp_folder.h"
+#include "support/test_window.h"
+#include "support/wininet_faults.h"
+#include "system/error_message.h"
+#include "system/files.h"
+#include "system/handles.h"
+
+extern "C" {
+extern decltype(&CopyFileW) importedCopyFile __asm__("__imp__CopyFileW@12");
+extern decltype(&ShellExecuteExW) importedShellExecuteEx __asm__("__imp__ShellExecuteExW@4");
+}
+
+namespace {
+
+constexpr char kNewProgram[] = "The quick brown fox jumps over the lazy dog";
+constexpr char kNewMd5[] = "9e107d9d372bb6826bd81d3542a419d6";
+constexpr char kFirst[] = "http://zendora.example/first", kSecond[] = "http://zendora.example/second";
+constexpr wchar_t kPrompt[] = L"Please download the latest version of this app from:\n";
+
+int pauses;
+
+ScriptedAnswer Body(const std::string& body) {
+  ScriptedAnswer answer;
+  answer.body = body;
+  return answer;
+}
+
+std::wstring PromptText(const std::wstring& address, uint32_t error = 0) {
+  const std::wstring errorLines = error != 0 ? FormatErrorMessage(error, {}) : L"";
+  return errorLines + kPrompt + address + L"\n\nOpen?";
+}
+
+// The dialog of an update that runs on another thread.
+HWND FindUpdateDialog(HWND owner) {
+  for (HWND window = nullptr; (window = FindWindowExW(nullptr, window, L"#32770", nullptr)) != nullptr;) {
+    if (GetWindow(window, GW_OWNER) == owner && GetDlgItem(window, UPDATE_PROGRESS)) return window;
+  }
+  return nullptr;
+}
+
+bool Answers(HWND window) {
+  DWORD_PTR result = 0;
+  return SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 5000, &result) != 0;
+}
+
+// The test's thread plays the manifest thread. A program in a folder of its own plays the running one.
+class SelfUpdate : public testing::Test {
+ protected:
+  SelfUpdate() {
+    app.exePath = folder_ / L"program\\setup.exe";
+    app.backupPath = app.exePath + L".backup";
+    app.tmpPath.Set(folder_ / L"temporary");
+    app.manifestPath = folder_ / L"temporary\\manifest.xml";
+    app.commandLine = L"install:old source:old";
+    app.updateInProgress = true;
+    WriteTestFile(app.exePath, "the old program");
+    WriteTestFile(app.manifestPath, "an old manifest");
+    pauses = 0;
+  }
+  ~SelfUpdate() override {
+    app.exePath.clear();
+    app.backupPath.clear();
+    app.tmpPath.Set({});
+    app.manifestPath.clear();
+    app.commandLine.clear();
+  }
+
+  static UpdaterInfo Announce(std::deque<std::string> urls, const std::string& helpURL = {}) {
+    return {.md5 = kNewMd5, .helpURL = helpURL, .filesize = 43, .urls = std::move(urls)};
+  }
+  // Runs an update with the boxes that it shows answered.
+  static std::vector<RecordedBox> Update(const UpdaterInfo& announced, std::initializer_list<int> answers = {}) {
+    const BoxRecorder boxes(answers);
+    RunSelfUpdate(announced);
+    return boxes.Boxes();
+  }
+
+  void ExpectReplaced() {
+    EXPECT_EQ(ReadTestFile(app.exePath), kNewProgram);
+    EXPECT_EQ(ReadTestFile(app.backupPath), "the old program");
+    EXPECT_EQ(ReadTestFile(UpdateFilePath()), kNewProgram) << "serves a later update";
+    EXPECT_FALSE(PathExists(app.manifestPath));
+    EXPECT_TRUE(window_.WaitUntilClosed());
+    EXPECT_TRUE(app.commandLine.empty());
+    ASSERT_EQ(shell_.Starts().size(), 1u);
+    EXPECT_EQ(shell_.Starts()[0].verb, L"open");
+    EXPECT_EQ(shell_.Starts()[0].file, app.exePath);
+    EXPECT_EQ(shell_.Starts()[0].parameters, L"updated");
+  }
+  // The program is as it was, ends without a relaunch, and its user was told where to get the new one.
+  void ExpectGivenUp(const std::vector<RecordedBox>& boxes, const std::wstring& promptText) {
+    ASSERT_FALSE(boxes.empty());
+    EXPECT_EQ(boxes.back().caption, L"Update");
+    EXPECT_EQ(boxes.back().text, promptText);
+    EXPECT_EQ(boxes.back().buttons, (std::vector<int>{IDYES, IDNO}));
+    EXPECT_EQ(boxes.back().owner, window_.Window());
+    EXPECT_TRUE(window_.WaitUntilClosed());
+    EXPECT_EQ(ReadTestFile(app.exePath), "the old program");
+    EXPECT_FALSE(PathExists(app.backupPath));
+    EXPECT_FALSE(PathExists(app.manifestPath));
+    EXPECT_FALSE(app.restartRequested);
+  }
+  size_t RequestsOf(const char* path) const { return server_.RequestsOf(path).size(); }
+
+  TempFolder folder_;
+  ScriptedServer server_;
+  ShellRecorder shell_;
+  Exchanged<void (*)(HWND)> pause_{pauseBeforeUpdateRetry, [](HWND) { ++pauses; }};
+  TestWindow window_{CreateProgramWindow};
+};
+
+TEST_F(SelfUpdate, DownloadsChecksReplacesAndRelaunches) {
+  server_.Answer("/first", Body(kNewProgram));
+  EXPECT_TRUE(Update(Announce({kFirst, kSecond})).empty());
+  ExpectReplaced();
+  EXPECT_EQ(RequestsOf("/first"), 1u);
+  EXPECT_EQ(RequestsOf("/second"), 0u);
+}
+
+TEST_F(SelfUpdate, ReplacesAnOlderCopy) {
+  WriteTestFile(app.backupPath, "an even older program");
+  server_.Answer("/first", Body(kNewProgram));
+  Update(Announce({kFirst}));
+  ExpectReplaced();
+}
+
+TEST_F(SelfUpdate, UsesWhatAnEarlierAttemptHasBrought) {
+  WriteTestFile(UpdateFilePath(), kNewProgram);
+  Update(Announce({kFirst}));
+  ExpectReplaced();
+  EXPECT_TRUE(server_.Requests().empty());
+}
+
+TEST_F(SelfUpdate, TriesOneAddressAfterTheOther) {
+  const struct {
+    const char* what;
+    ScriptedAnswer first;
+  } cases[] = {{"another file", Body("The quick brown fox jumps over the lazy cat")},
+               {"nothing", Body("")},
+               {"no such file", {.status = 404, .body = kNewProgram}},
+               {"cut short", {.body = kNewProgram, .announceLength = false, .closeAfter = 20}}};
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.what);
+    WriteTestFile(UpdateFilePath(), "what an earlier attempt left");
+    WriteTestFile(app.exePath, "the old program");
+    server_.Answer("/first", test.first);
+    server_.Answer("/second", Body(kNewProgram));
+    const size_t before = RequestsOf("/second");
+    Update(Announce({kFirst, kSecond}));
+    EXPECT_EQ(ReadTestFile(app.exePath), kNewProgram);
+    EXPECT_EQ(RequestsOf("/second"), before + 1);
+  }
+  EXPECT_TRUE(window_.WaitUntilClosed());
+}
+
+// No range: what lies there may belong to another version.
+TEST_F(SelfUpdate, AlwaysDownloadsTheWholeFile) {
+  WriteTestFile(UpdateFilePath(), "The quick");
+  server_.Answer("/first", Body(kNewProgram));
+  Update(Announce({kFirst}));
+  ExpectReplaced();
+  EXPECT_EQ(server_.RequestsOf("/first")[0].headers.count("range"), 0u);
+}
+
+class SelfUpdateFailure : public SelfUpdate, public testing::WithParamInterface<int> {};
+
+struct HelpCase {
+  const char *helpURL, *md5;
+  std::deque<std::string> urls;
+  std::wstring address;
+  size_t requests;
+};
+
+std::vector<HelpCase> HelpCases() {
+  return {{"", kNewMd5, {kFirst, kSecond}, L"http://zendora.example/first", 2},
+          {"http://help.example/", kNewMd5, {kFirst, kSecond}, L"http://help.example/", 2},
+          {"http://help.example/", kNewMd5, {}, L"http://help.example/", 0},
+          {"", kNewMd5, {}, DownloadPageAddress(), 0},
+          // Hashes are compared letter by letter.
+          {"", "9E107D9D372BB6826BD81D3542A419D6", {kSecond}, L"http://zendora.example/second", 1}};
+}
+
+TEST_P(SelfUpdateFailure, TellsWhereToGetTheProgram) {
+  const HelpCase test = HelpCases()[static_cast<size_t>(GetParam())];
+  server_.Answer("/first", Body("not the program"));
+  server_.Answer("/second", Body(std::string(test.md5) == kNewMd5 ? "neither" : kNewProgram));
+  UpdaterInfo announced = Announce(test.urls, test.helpURL);
+  announced.md5 = test.md5;
+  ExpectGivenUp(Update(announced, {IDNO}), PromptText(test.address));
+  EXPECT_EQ(server_.Requests().size(), test.requests);
+  EXPECT_TRUE(shell_.Starts().empty());
+}
+INSTANTIATE_TEST_SUITE_P(, SelfUpdateFailure, testing::Range(0, 5));
+
+TEST_F(SelfUpdate, OpensTheHelpPageOnRequest) {
+  ExpectGivenUp(Update(Announce({}, "http://help.example/"), {IDYES}), PromptText(L"http://help.example/"));
+  ASSERT_EQ(shell_.Starts().size(), 1u);
+  EXPECT_EQ(shell_.Starts()[0].file, L"http://help.example/");
+}
+
+TEST_F(SelfUpdate, BridgesAnOutage) {
+  server_.Answer("/first", Body(kNewProgram));
+  const SendFaults outage({kErrorCannotConnect, kErrorNameNotResolved, kErrorTimeout, kErrorConnectionReset});
+  Update(Announce({kFirst}));
+  ExpectReplaced();
+  EXPECT_EQ(pauses, 4);
+}
+
+TEST_F(SelfUpdate, GivesAnAddressUpAfterSixtyRetries) {
+  server_.Answer("/second", Body(kNewProgram));
+  const SendFaults outage(std::deque<DWORD>(61, kErrorCannotConnect));
+  Update(Announce({kFirst, kSecond}));
+  ExpectReplaced();
+  EXPECT_EQ(pauses, 60);
+  EXPECT_EQ(RequestsOf("/first"), 0u);
+  EXPECT_EQ(RequestsOf("/second"), 1u);
+}
+
+TEST_F(SelfUpdate, TellsTheErrorOfTheLastAddress) {
+  constexpr DWORD kInvalidServerResponse = 12152;
+  const SendFaults fault({kInvalidServerResponse});
+  ExpectGivenUp(Update(Announce({kFirst}), {IDNO}), L"Error: 12152\n\n" + PromptText(L"http://zendora.example/first"));
+  EXPECT_EQ(pauses, 0);
+}
+
+// The permissions of the temporary folder.
+constexpr wchar_t kPermissionQuestion[] = L"Fix permissions?";
+
+void LockUpdateFile() {
+  WriteTestFile(UpdateFilePath(), "read-only");
+  ASSERT_TRUE(SetFileAttributesW(UpdateFilePath().c_str(), FILE_ATTRIBUTE_READONLY));
+}
+
+BOOL WINAPI RepairByUnlocking(SHELLEXECUTEINFOW* info) {
+  SetFileAttributesW(UpdateFilePath().c_str(), FILE_ATTRIBUTE_NORMAL);
+  info->hProcess = CreateEventW(nullptr, TRUE, TRUE, nullptr);
+  return TRUE;
+}
+
+BOOL WINAPI RefuseToRepair(SHELLEXECUTEINFOW* info) {
+  info->hProcess = nullptr;
+  SetLastError(ERROR_CANCELLED);
+  return FALSE;
+}
+
+TEST_F(SelfUpdate, RepairsPermissionsOnRequest) {
+  LockUpdateFile();
+  server_.Answer("/first", Body(kNewProgram));
+  const ReplacedImport repair(importedShellExecuteEx, RepairByUnlocking);
+  const auto boxes = Update(Announce({kFirst}), {IDYES});
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_EQ(boxes[0].caption, L"Update");
+  EXPECT_EQ(boxes[0].text, FormatErrorMessage(ERROR_ACCESS_DENIED, kPermissionQuestion));
+  EXPECT_EQ(boxes[0].buttons, (std::vector<int>{IDYES, IDNO}));
+  EXPECT_NE(boxes[0].owner, window_.Window());
+  EXPECT_TRUE(GetDlgItem(boxes[0].owner, UPDATE_PROGRESS)) << "owned by the update dialog";
+  ExpectReplaced();
+}
+
+TEST_F(SelfUpdate, GoesOnWithoutRepair) {
+  LockUpdateFile();
+  server_.Answer("/first", Body(kNewProgram));
+  server_.Answer("/second", Body(kNewProgram));
+  const ReplacedImport repair(importedShellExecuteEx, RefuseToRepair);
+  const auto boxes = Update(Announce({kFirst, kSecond}), {IDNO, IDYES, IDNO});
+  ASSERT_EQ(boxes.size(), 3u);
+  ExpectGivenUp(boxes, PromptText(L"http://zendora.example/first", ERROR_ACCESS_DENIED));
+  EXPECT_EQ(RequestsOf("/first"), 1u);
+  EXPECT_EQ(RequestsOf("/second"), 1u);
+  SetFileAttributesW(UpdateFilePath().c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(SelfUpdate, LeavesAProgramThatCannotBeMoved) {
+  server_.Answer("/first", Body(kNewProgram));
+  const FileHandle user(CreateFileW(app.exePath.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+  ExpectGivenUp(Update(Announce({kFirst}), {IDNO}),
+                PromptText(L"http://zendora.example/first", ERROR_SHARING_VIOLATION));
+}
+
+// The copy fails on a full disk, halfway.
+BOOL WINAPI FailToCopy(const wchar_t*, const wchar_t* target, BOOL) {
+  EXPECT_EQ(ReadTestFile(app.backupPath), "the old program");
+  WriteTestFile(target, "The quick bro");
+  SetLastError(ERROR_DISK_FULL);
+  return FALSE;
+}
+
+TEST_F(SelfUpdate, MovesTheProgramBackWhenTheNewOneCannotBeCopied) {
+  server_.Answer("/first", Body(kNewProgram));
+  const ReplacedImport copy(importedCopyFile, FailToCopy);
+  ExpectGivenUp(Update(Announce({kFirst}), {IDNO}), PromptText(L"http://zendora.example/first", ERROR_DISK_FULL));
+}
+
+// Between the two steps the program's place is empty, and a process that ended there would leave it so.
+bool closingPageShown;
+decltype(&CopyFileW) realCopyFile;
+
+BOOL WINAPI CloseBeforeCopy(const wchar_t* source, const wchar_t* target, BOOL failIfExists) {
+  EXPECT_FALSE(PathExists(target));
+  PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
+  const ULONGLONG end = GetTickCount64() + 10'000;
+  while (app.currentPage != ClosingPage && GetTickCount64() < end) Sleep(5);
+  closingPageShown = app.currentPage == ClosingPage && IsWindow(app.mainWindow);
+  return realCopyFile(source, target, failIfExists);
+}
+
+TEST_F(SelfUpdate, AClosedWindowWaitsForTheNewProgramAndStaysClosed) {
+  server_.Answer("/first", Body(kNewProgram));
+  realCopyFile = importedCopyFile;
+  closingPageShown = false;
+  const ReplacedImport copy(importedCopyFile, CloseBeforeCopy);
+  Update(Announce({kFirst}));
+  EXPECT_TRUE(closingPageShown);
+  EXPECT_TRUE(window_.WaitUntilClosed());
+  EXPECT_EQ(ReadTestFile(app.exePath), kNewProgram);
+  EXPECT_TRUE(shell_.Starts().empty()) << "who has closed the program doesn't want it back";
+}
+
+class StalledUpdate : public SelfUpdate {
+ protected:
+  StalledUpdate() {
+    server_.Answer("/first", {.body = newProgram_, .stallAfter = newProgram_.size() / 2});
+    update_ = std::async(std::launch::async, [] {
+      UpdaterInfo announced = Announce({kFirst});
+      announced.md5 = "d5816f35916d1d9482fb0f1ec201101d";  // of newProgram_
+      EXPECT_TRUE(Update(announced).empty());
+    });
+    EXPECT_TRUE(server_.WaitForStall());
+    dialog_ = FindUpdateDialog(window_.Window());
+  }
+  ~StalledUpdate() override { Finish(); }
+
+  void Finish() {
+    server_.Resume();
+    update_.wait();
+  }
+
+  const std::string newProgram_ = std::string(100'000, 'x');
+  std::future<void> update_;
+  HWND dialog_ = nullptr;
+};
+
+TEST_F(StalledUpdate, ShowsHowFarItIsAndAnswers) {
+  ASSERT_TRUE(dialog_);
+  EXPECT_TRUE(IsWindowVisible(dialog_));
+  EXPECT_FALSE(IsWindowEnabled(window_.Window()));
+  EXPECT_EQ(TextOf(GetDlgItem(dialog_, UPDATE_STATUS)), L"Downloading update");
+  EXPECT_TRUE(Answers(dialog_));
+  EXPECT_TRUE(Answers(window_.Window()));
+  // What was sent before the stall arrives in its own time.
+  const std::wstring received = FormatByteSize(50'000);
+  const ULONGLONG end = GetTickCount64() + 10'000;
+  while (TextOf(GetDlgItem(dialog_, UPDATE_RECEIVED)) != received && GetTickCount64() < end) Sleep(5);
+  EXPECT_EQ(TextOf(GetDlgItem(dialog_, UPDATE_RECEIVED)), received);
+  EXPECT_EQ(TextOf(GetDlgItem(dialog_, UPDATE_TOTAL)), FormatByteSize(100'000));
+  EXPECT_EQ(SendDlgItemMessageW(dialog_, UPDATE_PROGRESS, PBM_GETPOS, 0, 0), 50);
+
+  Finish();
+  EXPECT_TRUE(window_.WaitUntilClosed());
+  EXPECT_EQ(ReadTestFile(app.exePath), newProgram_);
+  EXPECT_FALSE(IsWindow(dialog_)) << "it ends with its thread";
+}
+
+// In the program the process ends with its window, and the update with it.
+TEST_F(StalledUpdate, DoesNotKeepTheMainWindowOpen) {
+  PostMessageW(window_.Window(), WM_CLOSE, 0, 0);
+  EXPECT_TRUE(window_.WaitUntilClosed());
+  EXPECT_FALSE(IsWindow(window_.Window()));
+}
+
+}  // namespace
