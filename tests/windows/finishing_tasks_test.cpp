@@ -45,7 +45,7 @@ TEST_F(FinishingTasksTest, LinksAreReadableByTheShell) {
   }
   for (const auto& [link, name, contents] : cases) DeleteFileW((desktop + name).c_str());
   RemoveDirectoryW((desktop + L"zt").c_str());
-  EXPECT_EQ(ErrorLines(), std::vector<std::wstring>{L"[ERROR] Unsafe path (..\\zt outside)"});
+  EXPECT_EQ(window_.LogLines(), Lines{L"[ERROR] Unsafe path (..\\zt outside)"});
 }
 
 TEST_F(FinishingTasksTest, ProgramsAreStartedThroughTheShell) {
