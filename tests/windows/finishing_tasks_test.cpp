@@ -41,5 +41,5 @@ TEST_F(FinishingTasksTest, LinksAreReadableByTheShell) {
     EXPECT_EQ(ReadLink(desktop + name), contents) << link;
   }
   for (const auto& [link, name, contents] : cases) DeleteFileW((desktop + name).c_str());
-  EXPECT_EQ(ErrorLines(), std::vector<std::wstring>{L"[ERROR] Unsafe path (..\\zt outside)"});
+  EXPECT_EQ(window_.LogLines(), std::vector<std::wstring>{L"[ERROR] Unsafe path (..\\zt outside)"});
 }
