@@ -133,9 +133,18 @@ LRESULT OnCommand(HWND window, WPARAM wParam, LPARAM lParam) {
   return DefWindowProcW(window, WM_COMMAND, wParam, lParam);
 }
 
-LRESULT OnControlColors(UINT message, HDC dc) {
+// Labels and check boxes. An edit that is only read sends the same message, and grey is right for it.
+bool IsOnWindowBackground(UINT message, HWND control) {
+  const ComponentsPageControls* const page = app.componentsPage;
+  return message == WM_CTLCOLORSTATIC && !(page && control == page->installPathEdit.Window());
+}
+
+LRESULT OnControlColors(UINT message, HDC dc, HWND control) {
   if (message == WM_CTLCOLORDLG || message == WM_CTLCOLORSTATIC) SetBkMode(dc, TRANSPARENT);
-  return reinterpret_cast<LRESULT>(message == WM_CTLCOLORBTN ? DarkButtonColors(dc) : DarkStaticColors(dc));
+  HBRUSH brush = message == WM_CTLCOLORBTN ? DarkButtonColors(dc) : DarkStaticColors(dc);
+  // Without a brush the system takes the grey of dialogs, but this window is white.
+  if (!brush && IsOnWindowBackground(message, control)) brush = Brushes().lightBackground.Get();
+  return reinterpret_cast<LRESULT>(brush);
 }
 
 LRESULT OnFramePaint(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -182,7 +191,7 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_CTLCOLORBTN:
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:
-      return OnControlColors(message, reinterpret_cast<HDC>(wParam));
+      return OnControlColors(message, reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
     case WM_THEMECHANGED:
       ForgetMenuTheme();
       return 0;

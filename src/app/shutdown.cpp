@@ -1,5 +1,7 @@
 #include "app/shutdown.h"
 
+#include <atomic>
+
 #include "app/context.h"
 #include "app/dark_menu_bar.h"
 #include "app/pages.h"
@@ -20,6 +22,8 @@ std::wstring RelaunchCommandLine() {
 
 bool OnCloseRequest() {
   app.closeAttempts.Add(1);
+  // The counterpart of the fence at the end of a run, so that of the two at least one sees what the other wrote.
+  std::atomic_thread_fence(std::memory_order_seq_cst);
   app.cancelRequested = true;
   if (app.closeReason == NotEnding && InSendMessage()) app.closeReason = ClosedByMessage;
   if (app.installRunning && !app.restartRequested && app.closeAttempts < kInsistentCloseAttempts) {

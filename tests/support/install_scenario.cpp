@@ -5,18 +5,12 @@
 #include <algorithm>
 
 #include "app/context.h"
-#include "install/transfer_status.h"
-#include "manifest/manifest_store.h"
 #include "system/files.h"
 
 std::string PackageXml(const std::string& filename, const std::string& md5, const std::string& sourcesXml,
                        const std::string& moreXml) {
   return "<package><title>Title of " + filename + "</title><filename value=\"" + filename + "\"/><md5 value=\"" + md5 +
          "\"/><size value=\"43\"/><upsize value=\"43\"/><sources>" + sourcesXml + "</sources>" + moreXml + "</package>";
-}
-
-std::string SourceXml(const std::string& key, const std::string& url) {
-  return "<source key=\"" + key + "\" url=\"" + url + "\"/>";
 }
 
 std::string ManifestXml(const std::string& packagesXml) {
@@ -36,24 +30,6 @@ InstallScenario::InstallScenario() {
   app.uuid = "0b7e6c52-9b7e-4a3c-8a53-3f1f4f2f0c11";
   app.selectedSource.Set("main");
   EXPECT_EQ(CreateDirectories(folder / L"temporary"), 0u);
-  EXPECT_EQ(CreateDirectories(folder / L"installed"), 0u);
-  transferStatus.downloadTotal = 0;
-  transferStatus.downloadedBefore = 0;
-  transferStatus.timerArmed = false;  // a timer dies with its window
-}
-
-InstallScenario::~InstallScenario() {
-  app.installList.Set({});
-  app.selectedSource.Set({});
-  app.deleteTmpFiles = false;
-  app.maxDownloadSpeedKB = 0;
-  app.speedLimitBytes = 0;
-  app.uuid.clear();
-}
-
-void InstallScenario::UseManifest(const std::string& packagesXml) {
-  manifestBuffer = ManifestXml(packagesXml);
-  EXPECT_GE(LoadManifest(true), 0);
 }
 
 std::vector<std::wstring> InstallScenario::LogAfter(const std::wstring& first) const {

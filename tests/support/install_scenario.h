@@ -2,12 +2,9 @@
 // manifest. The test's thread plays the worker.
 #pragma once
 
-#include <windows.h>
-
 #include <string>
 #include <vector>
 
-#include "manifest/manifest_model.h"
 #include "support/scripted_server.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
@@ -27,7 +24,6 @@ inline constexpr char kTelemetryPath[] = "/play/files/telemetry.php";
 // `sourcesXml` holds `source` elements, `moreXml` any other children of a package.
 std::string PackageXml(const std::string& filename, const std::string& md5, const std::string& sourcesXml,
                        const std::string& moreXml = {});
-std::string SourceXml(const std::string& key, const std::string& url);
 std::string ManifestXml(const std::string& packagesXml);
 
 // An answer with this body.
@@ -36,12 +32,8 @@ ScriptedAnswer Serving(const std::string& body);
 class InstallScenario {
  public:
   InstallScenario();
-  ~InstallScenario();
   InstallScenario(const InstallScenario&) = delete;
   InstallScenario& operator=(const InstallScenario&) = delete;
-
-  // Makes this the manifest that the program has; fails the test when it can't be read.
-  static void UseManifest(const std::string& packagesXml);
 
   std::wstring Temporary(const std::wstring& name) const { return folder / (L"temporary\\" + name); }
   std::wstring Installed(const std::wstring& name) const { return folder / (L"installed\\" + name); }

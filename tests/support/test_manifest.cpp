@@ -4,13 +4,12 @@
 
 #include "app/context.h"
 #include "manifest/manifest_store.h"
+#include "support/exchanged.h"
 #include "support/temp_folder.h"
 
 void LoadTestManifest(const std::string& document) {
   const TempFolder folder;
-  const std::wstring manifestPath = app.manifestPath;
-  app.manifestPath = folder / L"manifest.xml";
+  const Exchanged manifestPath(app.manifestPath, folder / L"manifest.xml");
   manifestBuffer = document;
   EXPECT_GT(LoadManifest(true), 0);
-  app.manifestPath = manifestPath;
 }

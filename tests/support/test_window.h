@@ -11,9 +11,7 @@
 #include <vector>
 
 #include "app/context.h"
-#include "app/controls.h"
 #include "app/page_controls.h"
-#include "system/handles.h"
 
 class TestWindow {
  public:
@@ -24,13 +22,13 @@ class TestWindow {
   explicit TestWindow(Page page = InstallPage, Handler handler = {});
   // The window that `create` makes on the UI thread and stores in app.mainWindow.
   explicit TestWindow(const std::function<void()>& create);
-  // Destroys the window without a relaunch, ends the thread and clears everything in `app` that belongs to a window.
+  // Destroys the window without a relaunch, ends the thread and forgets the window and its pages.
   ~TestWindow();
   TestWindow(const TestWindow&) = delete;
   TestWindow& operator=(const TestWindow&) = delete;
 
   HWND Window() const { return window_; }
-  DWORD ThreadId() const { return GetThreadId(thread_.Get()); }
+  DWORD ThreadId() const { return GetWindowThreadProcessId(steps_, nullptr); }
   // The controls of the page; the page must exist.
   ComponentsPageControls& Components() const { return *static_cast<ComponentsPageControls*>(app.componentsPage); }
   InstallPageControls& Installation() const { return *static_cast<InstallPageControls*>(app.installPage); }
@@ -41,22 +39,20 @@ class TestWindow {
   void Settle() const;
   // True when the window is destroyed within ten seconds.
   bool WaitUntilClosed() const;
-  bool IsOpen() const { return IsWindow(window_); }
 
   // The lines of the log of the installation page, without line ends.
   std::vector<std::wstring> LogLines() const;
 
  private:
-  static DWORD WINAPI ThreadProc(void* self);
-  static LRESULT CALLBACK BareProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   void Start(const std::function<void()>& create);
-  void Loop();
+  void Loop(const std::function<void()>& create);
 
-  Handler handler_;
-  const std::function<void()>* create_ = nullptr;
+  const Handler handler_;
   HWND window_ = nullptr;
   HWND steps_ = nullptr;  // a message-only window that runs steps
-  KernelHandle ready_, closed_, thread_;
+  const KernelHandle ready_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+  const KernelHandle closed_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+  std::thread thread_;
 };
 
 // Creates the program's own main window, with the manifest thread left out: TestWindow window(CreateProgramWindow).
@@ -68,9 +64,6 @@ KernelHandle ActiveThread();
 
 std::wstring TextOf(HWND window);
 inline std::wstring TextOf(const Control& control) { return TextOf(control.Window()); }
-
-// Position and size in the client area of the parent.
-Place PlaceOf(HWND window);
 
 // The position of a progress bar.
 int PositionOf(const ProgressBar& bar);

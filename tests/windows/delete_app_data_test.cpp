@@ -87,7 +87,7 @@ TEST_F(DeleteAppDataTest, RemovesSettingsAndBothFolders) {
   EXPECT_FALSE(PathExists(app.dataDir));
   EXPECT_FALSE(PathExists(folder_ / L"downloads"));
   EXPECT_TRUE(PathExists(folder_ / L"other\\file"));
-  EXPECT_TRUE(window_.IsOpen());
+  EXPECT_TRUE(IsWindow(window_.Window()));
 }
 
 TEST_F(DeleteAppDataTest, NamesAFolderOnce) {
