@@ -3,12 +3,11 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <optional>
 #include <string>
 
 #include "app/context.h"
-#include "app/localization.h"
 #include "app/settings.h"
+#include "resource.h"
 #include "support/box_recorder.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
@@ -60,13 +59,6 @@ class DeleteAppDataTest : public testing::Test {
     for (const std::wstring& folder : folders) text += L"\n- Folder: " + folder;
     return text;
   }
-  void ExpectNothingDeleted() const {
-    EXPECT_TRUE(HasSettings(HKEY_CURRENT_USER));
-    EXPECT_TRUE(HasSettings(HKEY_LOCAL_MACHINE));
-    EXPECT_TRUE(PathExists(app.dataDir + L"\\sub\\file"));
-    EXPECT_TRUE(PathExists(folder_ / L"downloads\\game.zip"));
-  }
-
   TempFolder folder_;
   TestWindow window_{CreateProgramWindow};
 };
@@ -98,16 +90,13 @@ TEST_F(DeleteAppDataTest, NamesAFolderOnce) {
   EXPECT_TRUE(PathExists(folder_ / L"downloads\\game.zip"));
 }
 
-TEST_F(DeleteAppDataTest, ComparesFoldersByTheirLetters) {
-  const std::wstring otherCase = folder_ / L"ZENDORA\\Installer";
-  app.tmpPath.Set(otherCase);
-  const auto boxes = Choose({IDNO});
-  EXPECT_EQ(boxes[0].text, Question({app.dataDir, otherCase}));
-}
-
 TEST_F(DeleteAppDataTest, DoesNothingWithoutAYes) {
-  Choose({IDNO});
-  ExpectNothingDeleted();
+  app.tmpPath.Set(folder_ / L"ZENDORA\\Installer");
+  const auto boxes = Choose({IDNO});
+  EXPECT_EQ(boxes[0].text, Question({app.dataDir, *app.tmpPath.Get()})) << "folders are compared letter by letter";
+  EXPECT_TRUE(HasSettings(HKEY_CURRENT_USER));
+  EXPECT_TRUE(HasSettings(HKEY_LOCAL_MACHINE));
+  EXPECT_TRUE(PathExists(app.dataDir + L"\\sub\\file"));
 }
 
 TEST_F(DeleteAppDataTest, WhatIsMissingOrInUseIsNoMatter) {
@@ -122,7 +111,6 @@ TEST_F(DeleteAppDataTest, WhatIsMissingOrInUseIsNoMatter) {
 }
 
 TEST_F(DeleteAppDataTest, NextStartIsAFirstStart) {
-  const std::wstring appDataPath = folder_ / L"appdata";
   app.maxDownloadSpeedKB = 300;
   app.deleteTmpFiles = true;
   SaveMaxDownloadSpeed();

@@ -146,18 +146,12 @@ class SelfUpdate : public testing::Test {
 };
 
 TEST_F(SelfUpdate, DownloadsChecksReplacesAndRelaunches) {
+  WriteTestFile(app.backupPath, "an even older program");
   server_.Answer("/first", Body(kNewProgram));
   EXPECT_TRUE(Update(Announce({kFirst, kSecond})).empty());
   ExpectReplaced();
   EXPECT_EQ(RequestsOf("/first"), 1u);
   EXPECT_EQ(RequestsOf("/second"), 0u);
-}
-
-TEST_F(SelfUpdate, ReplacesAnOlderCopy) {
-  WriteTestFile(app.backupPath, "an even older program");
-  server_.Answer("/first", Body(kNewProgram));
-  Update(Announce({kFirst}));
-  ExpectReplaced();
 }
 
 TEST_F(SelfUpdate, UsesWhatAnEarlierAttemptHasBrought) {
@@ -181,54 +175,41 @@ TEST_F(SelfUpdate, TriesOneAddressAfterTheOther) {
   EXPECT_TRUE(Update(Announce(urls)).empty());
   ExpectReplaced();
   std::vector<std::string> asked;
-  for (const RecordedRequest& request : server_.Requests()) asked.push_back(request.target);
+  for (const RecordedRequest& request : server_.Requests()) {
+    asked.push_back(request.target);
+    EXPECT_EQ(request.headers.count("range"), 0u) << "what lies there may belong to another version";
+  }
   EXPECT_EQ(asked, (std::vector<std::string>{"/another-file", "/nothing", "/missing", "/cut-short", "/second"}));
 }
-
-// No range: what lies there may belong to another version.
-TEST_F(SelfUpdate, AlwaysDownloadsTheWholeFile) {
-  WriteTestFile(UpdateFilePath(), "The quick");
-  server_.Answer("/first", Body(kNewProgram));
-  Update(Announce({kFirst}));
-  ExpectReplaced();
-  EXPECT_EQ(server_.RequestsOf("/first")[0].headers.count("range"), 0u);
-}
-
-class SelfUpdateFailure : public SelfUpdate, public testing::WithParamInterface<int> {};
 
 struct HelpCase {
   const char *helpURL, *md5;
   std::deque<std::string> urls;
   std::wstring address;
-  size_t requests;
+  int answer;
 };
 
-std::vector<HelpCase> HelpCases() {
-  return {{"", kNewMd5, {kFirst, kSecond}, L"http://zendora.example/first", 2},
-          {"http://help.example/", kNewMd5, {kFirst, kSecond}, L"http://help.example/", 2},
-          {"http://help.example/", kNewMd5, {}, L"http://help.example/", 0},
-          {"", kNewMd5, {}, DownloadPageAddress(), 0},
-          // Hashes are compared letter by letter.
-          {"", "9E107D9D372BB6826BD81D3542A419D6", {kSecond}, L"http://zendora.example/second", 1}};
-}
+class SelfUpdateFailure : public SelfUpdate, public testing::WithParamInterface<HelpCase> {};
 
 TEST_P(SelfUpdateFailure, TellsWhereToGetTheProgram) {
-  const HelpCase test = HelpCases()[static_cast<size_t>(GetParam())];
+  const auto& [helpURL, md5, urls, address, answer] = GetParam();
   server_.Answer("/first", Body("not the program"));
-  server_.Answer("/second", Body(std::string(test.md5) == kNewMd5 ? "neither" : kNewProgram));
-  UpdaterInfo announced = Announce(test.urls, test.helpURL);
-  announced.md5 = test.md5;
-  ExpectGivenUp(Update(announced, {IDNO}), PromptText(test.address));
-  EXPECT_EQ(server_.Requests().size(), test.requests);
-  EXPECT_TRUE(shell_.Starts().empty());
+  server_.Answer("/second", Body(kNewProgram));
+  UpdaterInfo announced = Announce(urls, helpURL);
+  announced.md5 = md5;
+  ExpectGivenUp(Update(announced, {answer}), PromptText(address));
+  EXPECT_EQ(server_.Requests().size(), urls.size());
+  EXPECT_EQ(shell_.Starts().size(), answer == IDYES ? 1u : 0u);
+  for (const ShellStart& start : shell_.Starts()) EXPECT_EQ(start.file, address);
 }
-INSTANTIATE_TEST_SUITE_P(, SelfUpdateFailure, testing::Range(0, 5));
-
-TEST_F(SelfUpdate, OpensTheHelpPageOnRequest) {
-  ExpectGivenUp(Update(Announce({}, "http://help.example/"), {IDYES}), PromptText(L"http://help.example/"));
-  ASSERT_EQ(shell_.Starts().size(), 1u);
-  EXPECT_EQ(shell_.Starts()[0].file, L"http://help.example/");
-}
+INSTANTIATE_TEST_SUITE_P(
+    , SelfUpdateFailure,
+    testing::Values(
+        HelpCase{"", kNewMd5, {kFirst}, L"http://zendora.example/first", IDNO},
+        HelpCase{"http://help.example/", kNewMd5, {kFirst}, L"http://help.example/", IDYES},
+        HelpCase{"", kNewMd5, {}, DownloadPageAddress(), IDNO},
+        // Hashes are compared letter by letter.
+        HelpCase{"", "9E107D9D372BB6826BD81D3542A419D6", {kSecond, kFirst}, L"http://zendora.example/second", IDNO}));
 
 TEST_F(SelfUpdate, BridgesAnOutage) {
   server_.Answer("/first", Body(kNewProgram));

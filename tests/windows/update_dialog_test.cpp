@@ -6,7 +6,7 @@
 #include <commctrl.h>
 
 #include "app/context.h"
-#include "app/localization.h"
+#include "resource.h"
 #include "support/test_window.h"
 #include "system/files.h"
 
@@ -25,34 +25,18 @@ class UpdateDialogTest : public testing::Test {
   HWND dialog_ = nullptr;
 };
 
-TEST_F(UpdateDialogTest, IsCreatedHiddenAndOwnedByTheMainWindow) {
+TEST_F(UpdateDialogTest, IsCreatedHiddenAndCannotBeClosedByItsUser) {
   Create(0);
   ASSERT_TRUE(dialog_);
   EXPECT_FALSE(IsWindowVisible(dialog_));
   EXPECT_EQ(GetWindow(dialog_, GW_OWNER), window_.Window());
   EXPECT_TRUE(IsWindowEnabled(window_.Window()));
-  for (const int control : {UPDATE_STATUS, UPDATE_RECEIVED, UPDATE_TOTAL}) EXPECT_EQ(Text(control), L"");
-}
-
-TEST_F(UpdateDialogTest, CannotBeClosedByItsUser) {
-  Create(0);
   SendMessageW(dialog_, WM_SYSCOMMAND, SC_CLOSE, 0);
   SendMessageW(dialog_, WM_CLOSE, 0, 0);
   SendMessageW(dialog_, WM_COMMAND, IDCANCEL, 0);
   MSG message;
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
   EXPECT_TRUE(IsWindow(dialog_));
-}
-
-TEST_F(UpdateDialogTest, ShowsStatusInTheUsersLanguage) {
-  Create(0);
-  SetThreadLanguage(LANG_GERMAN);
-  ShowUpdateStatus(STR_DOWNLOADING_UPDATE);
-  EXPECT_EQ(Text(UPDATE_STATUS), LoadLocalizedString(STR_DOWNLOADING_UPDATE));
-  SetThreadLanguage(LANG_ENGLISH);
-  EXPECT_NE(Text(UPDATE_STATUS), L"Downloading update");
-  ShowUpdateStatus(STR_INSTALLING_UPDATE);
-  EXPECT_EQ(Text(UPDATE_STATUS), L"Installing update");
 }
 
 TEST_F(UpdateDialogTest, ShowsSizesAndProgress) {
