@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The demo without a desktop: pictures of the pages in every language, and an installation of everything. Ends with
-# status 0 only if every file that the manifest promised is there with the right content. Called by ./run.
+# status 0 only if everything that the manifest promised is there with the right content. Called by ./run.
 source "$(dirname "$0")/common.sh"
 
 program=$build/release/ZendoraInstaller.exe
@@ -44,15 +44,32 @@ show_languages() {
   done
 }
 
+old_game='Old games/GTA San Andreas'
+old_game_key='HKLM\Software\Rockstar Games\GTA San Andreas\Installation'
+
+# An earlier installation, as the game itself would have left it.
+pretend_old_game() {
+  mkdir -p "$WINEPREFIX/drive_c/$old_game"
+  printf 'an older program\n' >"$WINEPREFIX/drive_c/$old_game/gta_sa.exe"
+  wine reg add "$old_game_key" /v ExePath /d "C:\\${old_game//\//\\}\gta_sa.exe" /reg:32 /f >/dev/null 2>&1
+}
+
+print_registry() {
+  wine reg query "$old_game_key" /reg:32 || true
+  wine reg query 'HKCU\Software\Zendora demo' /s || true
+}
+
 install_everything() {
   # Slow enough to be seen.
   set_number "$settings" MaxDownloadSpeed 1000
   start_installer "install:$(cat "$build/demo/packages.txt")" source:main
+  drive yes 'Do you want to reinstall these components using existing folders?' || give_up "no question about the old game"
   drive show 'Speed: ' || give_up "no transfer was seen"
   picture installation
   drive finish || give_up "the installation did not end"
   picture finished
   drive log >"$output/log.txt"
+  print_registry | tr -d '\r' >"$output/registry.txt"
   drive close
   wait "$installer" || give_up "the installer ended with status $?"
 }
@@ -72,6 +89,7 @@ show_closing_page() {
 say "taking pictures of the components page"
 show_languages
 say "installing everything"
+pretend_old_game
 install_everything
 show_closing_page
 
@@ -81,6 +99,6 @@ printf '\nWhat the server was asked for:\n'
 sed 's/^/  /' "$output/access.log"
 printf '\nInstalled:\n'
 status=0
-"$root/tools/demo-site" check "$WINEPREFIX/drive_c" || status=1
+"$root/tools/demo-site" check "$WINEPREFIX/drive_c" "$output/registry.txt" || status=1
 printf '\nPictures: %s/*.png\n' "$output"
 exit $status

@@ -18,6 +18,9 @@ wine winecfg -v win10 >>"$log" 2>&1 || die "winecfg failed; see $log"
 wine reg add 'HKCU\Software\Wine\AppDefaults\windows_tests.exe\X11 Driver' /v Managed /d N /f >>"$log" 2>&1
 wineserver -k || true
 wineserver -w
+# Debian keeps Wine's fonts where its font loader doesn't look: without them dialogs and title bars are drawn, and texts
+# measured, in whatever else the machine has.
+cp /usr/share/wine/fonts/*.ttf "$wine_prefix/drive_c/windows/Fonts"
 # Wine links these to the home folder of whoever runs it; tests must never reach it.
 find "$wine_prefix/drive_c/users" -type l | while read -r link; do
   rm "$link"

@@ -73,6 +73,8 @@ int RunProgram(HINSTANCE instance, const std::wstring& commandLine, int showComm
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, wchar_t* commandLine, int showCommand) {
+  // Looking at the drives would otherwise raise a system box for a card reader without a card.
+  SetErrorMode(SEM_FAILCRITICALERRORS);
   SearchLibrariesInSystemFolderOnly();
   const int exitCode = RunProgram(instance, commandLine, showCommand);
   // The manifest thread and the worker may still run, and are not waited for. To return would destroy static objects

@@ -8,8 +8,8 @@
 #include "app/context.h"
 #include "app/localization.h"
 #include "app/message_boxes.h"
-#include "app/page_controls.h"
 #include "install/package_download.h"
+#include "install/run_display.h"
 #include "install/task_text.h"
 #include "net/telemetry_reports.h"
 #include "system/files.h"
@@ -55,14 +55,14 @@ DWORD Start(InstallerCommand command, KernelHandle& process) {
 }
 
 void WaitForEnd(HANDLE process) {
-  const Label& label = static_cast<InstallPageControls*>(app.installPage)->totalDetailLabel;
   const std::wstring text = LoadLocalizedString(STR_INSTALLER_RUNNING);
-  label.SetText(text);
+  ShowTotalDetail(text);
 
   bool running = WaitForSingleObject(process, 0) != WAIT_OBJECT_0;
   for (int poll = 0; running && !app.cancelRequested; poll = (poll + 1) % kPollsPerCycle) {
     const int dots = poll / kPollsPerDot + 1;
-    if (poll % kPollsPerDot == 0 && dots <= kDots) label.SetText(text + std::wstring(static_cast<size_t>(dots), L'.'));
+    if (poll % kPollsPerDot == 0 && dots <= kDots)
+      ShowTotalDetail(text + std::wstring(static_cast<size_t>(dots), L'.'));
     running = WaitForSingleObject(process, kPollMs) != WAIT_OBJECT_0;
   }
   if (running) TerminateProcess(process, 0);

@@ -52,7 +52,7 @@ std::wstring ExistingGameFolder(const std::string& filename) {
 void AskReinstallIntoExistingFolders(Installation& run) {
   if (!DetectGameInstallations(false)) return;
   std::wstring list;
-  for (const std::string& filename : *app.installList.Get()) {
+  for (const std::string& filename : run.installList) {
     const auto package = FindPackage(filename);
     const std::wstring folder = ExistingGameFolder(filename);
     if (!package || folder.empty()) continue;
@@ -68,7 +68,6 @@ void AskReinstallIntoExistingFolders(Installation& run) {
 }
 
 void TakeOverOptions(Installation& run) {
-  run.installList = *app.installList.Get();
   run.installPath = *app.installPath.Get();
   run.tmpPath = *app.tmpPath.Get();
   run.selectedSource = *app.selectedSource.Get();
@@ -119,10 +118,10 @@ void SendStartReport(Installation& run) {
   run.reports.PostForm(BuildStartReport(report));
 }
 
-PhaseEnd DescribePhaseEnd(const Installation& run) {
+PhaseEnd DescribePhaseEnd(const Installation& run, bool cancelled) {
   PhaseEnd end;
   end.uuid = app.uuid;
-  end.cancelled = app.cancelRequested;
+  end.cancelled = cancelled;
   end.closeReason = app.closeReason;
   end.elapsedMs = GetTickCount64() - run.startTick;
   const uint32_t limit = app.maxDownloadSpeedKB;
@@ -134,13 +133,13 @@ PhaseEnd DescribePhaseEnd(const Installation& run) {
 }
 
 // A phase that went smoothly is not worth a report.
-void SendDownloadReport(Installation& run) {
-  if (run.errorRecords.empty() && !app.cancelRequested) return;
-  run.reports.PostForm(BuildDownloadReport(DescribePhaseEnd(run)));
+void SendDownloadReport(Installation& run, bool cancelled) {
+  if (run.errorRecords.empty() && !cancelled) return;
+  run.reports.PostForm(BuildDownloadReport(DescribePhaseEnd(run, cancelled)));
 }
 
-void SendInstallReport(Installation& run) {
-  run.reports.PostForm(BuildInstallReport(DescribePhaseEnd(run), run.installedList));
+void SendInstallReport(Installation& run, bool cancelled) {
+  run.reports.PostForm(BuildInstallReport(DescribePhaseEnd(run, cancelled), run.installedList));
 }
 
 // --- Downloading
@@ -190,9 +189,12 @@ void CountAsHandled(Installation& run, const Package& package) {
   ShowTotalProgress(run.upsizeDone, run.upsizeTotal);
 }
 
-bool AskToInstallAgain(const Package& package, uint32_t error) {
+InstallOutcome OnPlacementFailed(Installation& run, const Package& package, uint32_t error) {
+  if (app.cancelRequested) return InstallOutcome::Cancelled;
   ShowTotalDetail(LoadLocalizedString(STR_ERROR));
-  return AskToTryAgain(STR_INSTALLATION_ERROR, package, error);
+  if (AskToTryAgain(STR_INSTALLATION_ERROR, package, error)) return InstallOutcome::TryAgain;
+  CountAsHandled(run, package);
+  return InstallOutcome::Handled;
 }
 
 InstallOutcome InstallPackage(Installation& run, const Package& package, size_t index, size_t count) {
@@ -208,17 +210,13 @@ InstallOutcome InstallPackage(Installation& run, const Package& package, size_t 
 
   AppendLog(L"Extracting package: " + package.title);
   AppendLog(L"Target location: " + target);
+  if (!PathsStayInside(package)) return OnPlacementFailed(run, package, ERROR_INVALID_NAME);
   ApplyRegistryPhase(package, RegistryPhase::Pre, WideToUtf8(target));
   if (app.cancelRequested) return InstallOutcome::Cancelled;
 
   const PlacementResult placement = PlacePackage(run, package, target);
-  if (placement.ok) {
-    FinishPackage(run, package, target);
-  } else if (app.cancelRequested) {
-    return InstallOutcome::Cancelled;
-  } else if (AskToInstallAgain(package, placement.error)) {
-    return InstallOutcome::TryAgain;
-  }
+  if (!placement.ok) return OnPlacementFailed(run, package, placement.error);
+  FinishPackage(run, package, target);
   CountAsHandled(run, package);
   return InstallOutcome::Handled;
 }
@@ -229,8 +227,7 @@ void ShowInstallStart() {
   ShowPackageProgress(1, 1);
 }
 
-void ShowInstallEnd() {
-  const bool cancelled = app.cancelRequested;
+void ShowInstallEnd(bool cancelled) {
   ShowTotalText(LoadLocalizedString(cancelled ? STR_INSTALLATION_CANCELLED : STR_INSTALLATION_FINISHED));
   ShowTotalProgress(cancelled ? 0 : 1, 1);
   ShowTotalDetail(kNothing);
@@ -293,11 +290,15 @@ void BeginRun(Installation& run) {
   SendStartReport(run);
 }
 
-void RunDownloadPhase(Installation& run) {
+// False when the phase was cancelled. What it reports and what follows must agree, also when the user cancels
+// meanwhile.
+bool RunDownloadPhase(Installation& run) {
   ArmSpeedTimer();
   DownloadPackages(run);
   StopSpeedTimer();
-  SendDownloadReport(run);
+  const bool cancelled = app.cancelRequested;
+  SendDownloadReport(run, cancelled);
+  return !cancelled;
 }
 
 void RunInstallPhase(Installation& run) {
@@ -305,18 +306,19 @@ void RunInstallPhase(Installation& run) {
   run.installedList.clear();
   ShowInstallStart();
   InstallPackages(run);
-  ShowInstallEnd();
-  SendInstallReport(run);
+  const bool cancelled = app.cancelRequested;
+  ShowInstallEnd(cancelled);
+  SendInstallReport(run, cancelled);
 }
 
 }  // namespace
 
 void RunInstallation() {
   Installation run;
+  run.installList = *app.installList.Get();
   AskReinstallIntoExistingFolders(run);
   BeginRun(run);
-  RunDownloadPhase(run);
-  if (app.cancelRequested) return LeaveCancelledDownloads();
+  if (!RunDownloadPhase(run)) return LeaveCancelledDownloads();
   RunInstallPhase(run);
   LeaveInstallPhase(run);
 }

@@ -33,7 +33,8 @@ struct SourceOutcome {
 std::string HashPackageFile(const std::wstring& file) {
   transferStatus.lastHashPercent = 0;
   transferStatus.retryCount = 0;  // the data is here, so nothing tells of a bad connection any more
-  transferStatus.hashing = true;
+  transferStatus.hashing = true;  // from now on the speed display leaves the line alone
+  ShowPackageDetail(LoadLocalizedString(STR_CHECKING_FILE));
   return ComputeFileMd5(file, OnHashProgress);
 }
 
@@ -60,8 +61,8 @@ SourceOutcome CheckDownloadedFile(PackageDownload& download, const std::string& 
   const uint64_t fileSize = FileSize(download.file);
   download.stats.downloaded = PercentOf(fileSize, download.size);
   AppendLog(L"Downloaoded: " + std::to_wstring(fileSize) + L" / " + std::to_wstring(download.size));
-  ShowPackageDetail(LoadLocalizedString(STR_CHECKING_FILE));
   if (fileSize != download.size) {
+    ShowPackageDetail(LoadLocalizedString(STR_CHECKING_FILE));
     AppendLog(L"Size mismatch (" + std::to_wstring(fileSize) + L")");
     return OnMismatch(download, source, result, fileSize, {});
   }
@@ -145,6 +146,8 @@ SourceOutcome TrySources(PackageDownload& download) {
   for (const std::string& source : SourceOrder(download)) {
     outcome = TrySource(download, source);
     if (outcome.state != SourceOutcome::Failed) break;
+    // A box that told of the failure may have been open while the window was closed.
+    if (app.cancelRequested) return {SourceOutcome::Cancelled};
   }
   return outcome;
 }
@@ -167,9 +170,9 @@ bool HasMatchingRecord(const PackageDownload& download) {
 
 // What is there belongs to another version of the package, or to nothing that can be proven: no transfer may go on
 // with it. The record is written before the first one, so that a later run can resume even after a crash.
-void StartOver(const PackageDownload& download) {
-  DeleteFileW(download.file.c_str());
-  if (!download.package.md5.empty()) WriteStatRecord(download);
+void StartOver(PackageDownload& download) {
+  download.stale = !DeleteFileW(download.file.c_str()) && PathExists(download.file);
+  if (!download.package.md5.empty() && !download.stale) WriteStatRecord(download);
 }
 
 // True when an earlier run has brought the whole file. Otherwise download.offset tells where to go on.
@@ -179,7 +182,6 @@ bool IsAlreadyDownloaded(PackageDownload& download) {
     return false;
   }
   if (FileSize(download.file) == download.size) {
-    ShowPackageDetail(LoadLocalizedString(STR_CHECKING_FILE));
     const std::string hash = HashPackageFile(download.file);
     if (app.cancelRequested) return false;
     const bool right = hash == download.package.md5;

@@ -8,6 +8,7 @@
 #include "app/page_controls.h"
 #include "install/install_task.h"
 #include "install/package_download.h"
+#include "install/run_display.h"
 #include "install/task_text.h"
 #include "install/verify_list.h"
 #include "install/zip_extraction.h"
@@ -39,17 +40,18 @@ std::optional<std::wstring> FindUnsafePath(const Package& package) {
 }
 
 PlacementResult CopyToTarget(const Installation& run, const Package& package, const std::wstring& target) {
+  if (const uint32_t error = CreateDirectories(target)) {
+    AppendLog(L"[ERROR] Unable to create folder (" + std::to_wstring(error) + L") (" + target + L")");
+    return {.error = error};
+  }
   const std::wstring source = PackageFilePath(run, package.filename);
-  if (CopyFileW(source.c_str(), JoinPath(target, LastComponent(source)).c_str(), FALSE)) return {.ok = true};
+  const std::wstring copy = JoinPath(target, LastComponent(source));
+  if (CopyFileW(source.c_str(), copy.c_str(), FALSE)) return {.ok = true};
   return {.error = GetLastError()};
 }
 
 PlacementResult PlaceFiles(Installation& run, const Package& package, const std::wstring& target) {
   if (package.filetype == kInstallerType) return {};
-  if (const uint32_t error = CreateDirectories(target)) {
-    AppendLog(L"[ERROR] Unable to create folder (" + std::to_wstring(error) + L") (" + target + L")");
-    return {.error = error};
-  }
   return package.filetype == kZipType ? ExtractZip(run, package, target) : CopyToTarget(run, package, target);
 }
 
@@ -69,14 +71,16 @@ std::wstring ResolveTargetFolder(const Installation& run, const Package& package
   return target;
 }
 
+bool PathsStayInside(const Package& package) {
+  const auto unsafe = FindUnsafePath(package);
+  if (unsafe) LogUnsafePath(*unsafe);
+  return !unsafe;
+}
+
 PlacementResult PlacePackage(Installation& run, const Package& package, const std::wstring& target) {
-  if (const auto unsafe = FindUnsafePath(package)) {
-    LogUnsafePath(*unsafe);
-    return {.error = ERROR_INVALID_NAME};
-  }
   PlacementResult result = PlaceFiles(run, package, target);
   if (app.cancelRequested) return {};
-  static_cast<InstallPageControls*>(app.installPage)->totalDetailLabel.SetText(L"-");
+  ShowTotalDetail(L"-");
 
   if (!package.install.empty()) {
     const uint32_t error = RunInstallTask(run, package, target);

@@ -11,6 +11,10 @@
 // when that fails, PlacePackage tells why.
 std::wstring ResolveTargetFolder(const Installation& run, const Package& package);
 
+// Whether all paths that the package names stay inside its folder; the log tells which one doesn't. To be asked before
+// anything is done for the package.
+bool PathsStayInside(const Package& package);
+
 struct PlacementResult {
   bool ok = false;
   uint32_t error = 0;  // the system error that made it fail, 0 when there was none
@@ -18,6 +22,5 @@ struct PlacementResult {
 
 // Extracts, copies or runs the package, runs its installer program and checks its verify list. When
 // app.cancelRequested is set after the extraction or copy, it returns at once and not ok, whatever was placed; set
-// later, it ends the installer program, and the package counts as placed. A package that names a path outside its
-// folder is refused.
+// later, it ends the installer program, and the package counts as placed.
 PlacementResult PlacePackage(Installation& run, const Package& package, const std::wstring& target);

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "app/context.h"
 #include "app/page_controls.h"
 #include "install/transfer_status.h"
@@ -19,8 +21,11 @@ void PauseForOneSecond() {
 
 HttpResult Attempt(PackageDownload& download, const std::wstring& url) {
   const uint64_t start = GetTickCount64();
-  const HttpResult result =
-      download.run.downloads.DownloadToFile(url, download.file, download.offset, OnDownloadProgress);
+  HttpResult result = download.run.downloads.DownloadToFile(url, download.file, download.offset, OnDownloadProgress);
+  if (result.received != 0) download.stale = false;
+  // Whatever ended the transfer, the check of a whole file tells whether it is right.
+  const bool whole = result.received != 0 && !download.package.md5.empty() && FileSize(download.file) == download.size;
+  if (whole && IsRetryableNetworkError(result.error)) result.error = ERROR_SUCCESS;
   download.stats.time = GetTickCount64() - start;
   download.stats.downloaded = PercentOf(result.received, download.size);
   download.stats.speed = transferStatus.currentSpeed;
@@ -36,6 +41,7 @@ HttpResult RetryWithoutSecureChannel(PackageDownload& download, const std::wstri
 
 HttpResult RetryThroughOutage(PackageDownload& download, const std::wstring& url, HttpResult result) {
   AppendLog(L"Network error (" + std::to_wstring(result.error) + L"). Retrying again..");
+  uint64_t longest = FileSize(download.file);
   for (int withoutData = 0; withoutData < kMaxRetriesWithoutData;) {
     pauseBeforeRetry();
     if (app.cancelRequested) {
@@ -46,7 +52,11 @@ HttpResult RetryThroughOutage(PackageDownload& download, const std::wstring& url
     download.offset = ResumeOffset(download);
     result = Attempt(download, url);
     if (result.cancelled || !IsRetryableNetworkError(result.error)) break;
-    const bool dataFlowed = transferStatus.retryCount == 0;  // the speed display saw it
+    // The speed display saw data, and it led further: a server that begins anew each time only to fall short again
+    // must not be asked for ever.
+    const uint64_t length = FileSize(download.file);
+    const bool dataFlowed = transferStatus.retryCount == 0 && length > longest;
+    longest = std::max(longest, length);
     withoutData = dataFlowed ? 1 : withoutData + 1;
   }
   return result;
@@ -57,6 +67,7 @@ HttpResult RetryThroughOutage(PackageDownload& download, const std::wstring& url
 void (*pauseBeforeRetry)() = PauseForOneSecond;
 
 uint64_t ResumeOffset(const PackageDownload& download) {
+  if (download.stale) return 0;
   const uint64_t present = FileSize(download.file);
   const bool tooLong = !download.package.md5.empty() && present >= download.size;
   return tooLong ? 0 : present;

@@ -15,6 +15,7 @@ struct PackageDownload {
   uint64_t size;        // of the package file as the manifest has it
   std::wstring file;    // path of the package file
   uint64_t offset = 0;  // where the next transfer starts
+  bool stale = false;   // what is there belongs to another package and could not be removed
 };
 
 // Where a transfer that goes on with the present file starts: 0 when the file can't become right by getting longer.

@@ -9,6 +9,7 @@
 #include "app/page_controls.h"
 #include "install/entry_names.h"
 #include "install/package_download.h"
+#include "install/run_display.h"
 #include "install/zip_archive.h"
 #include "system/files.h"
 #include "system/handles.h"
@@ -40,15 +41,16 @@ struct CurrentEntry {
   std::wstring label;
 };
 
-InstallPageControls& Controls() { return *static_cast<InstallPageControls*>(app.installPage); }
-
 uint32_t Percentage(uint64_t part, uint64_t whole) {
   const double percentage = static_cast<double>(part) * 100 / static_cast<double>(whole);
   return static_cast<uint32_t>(std::min<double>(percentage, UINT32_MAX));
 }
 
-void Fault(Extraction& x, const std::wstring& what) {
+// `what` may hold a name from the archive, which must not write lines of its own into the log.
+void Fault(Extraction& x, std::wstring what) {
   x.flawless = false;
+  std::replace_if(
+      what.begin(), what.end(), [](wchar_t c) { return c < L' '; }, L'?');
   AppendLog(L"[ERROR] " + what);
 }
 
@@ -59,12 +61,12 @@ void SystemFault(Extraction& x, uint32_t error) {
 }
 
 void ShowPercentage(const CurrentEntry& entry, uint32_t percentage) {
-  Controls().totalDetailLabel.SetText(entry.label + L" (" + std::to_wstring(percentage) + L"%)");
+  ShowTotalDetail(entry.label + L" (" + std::to_wstring(percentage) + L"%)");
 }
 
 void ShowTotal(const Extraction& x) {
   const uint64_t done = x.run.upsizeDone + std::min(x.written, x.upsize);
-  Controls().totalProgress.SetPosition(ProgressPosition(done, x.run.upsizeTotal));
+  ShowTotalProgress(done, x.run.upsizeTotal);
 }
 
 // Copies the open entry into the file. Returns the bytes written.
@@ -147,6 +149,7 @@ void UnpackOpenEntry(Extraction& x) {
   }
   if (x.archive.CloseEntry() == kZipWrongContent) {
     x.written -= entryWritten;
+    x.error = ERROR_CRC;
     Fault(x, L"Wrong content (zip) (" + entry.name + L")");
   }
 }
@@ -172,8 +175,8 @@ bool IsComplete(const Extraction& x) {
 }  // namespace
 
 PlacementResult ExtractZip(Installation& run, const Package& package, const std::wstring& target) {
-  Controls().totalDetailLabel.SetText(LoadLocalizedString(STR_EXTRACTING));
-  Extraction x{run, package, target, static_cast<uint64_t>(std::max<int64_t>(package.upsize, 0))};
+  ShowTotalDetail(LoadLocalizedString(STR_EXTRACTING));
+  Extraction x{run, package, target, static_cast<uint64_t>(package.upsize)};
   if (const uint32_t error = x.archive.Open(PackageFilePath(run, package.filename))) {
     run.errorRecords += ArchiveUnreadableRecord(package.filename, error);
     AppendLog(L"[ERROR] Unable to open zip file");

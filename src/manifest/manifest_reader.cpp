@@ -2,6 +2,7 @@
 
 #include <tinyxml2.h>
 
+#include <algorithm>
 #include <string_view>
 
 #include "system/text.h"
@@ -24,6 +25,9 @@ std::string AttributeOrEmpty(const XMLElement& element, const char* name) {
 }
 
 std::string ValueOf(const XMLElement& element) { return AttributeOrEmpty(element, "value"); }
+
+// What can't be read counts as 0, and so does a size below it.
+int64_t SizeOf(const XMLElement& element) { return std::max<int64_t>(element.Int64Attribute("value"), 0); }
 
 std::wstring DisplayText(const XMLElement& element) {
   const char* text = element.GetText();
@@ -77,8 +81,8 @@ constexpr PackageElement kPackageElements[] = {
     {"folder", [](const XMLElement& e, Package& p) { p.folder = ValueOf(e); }},
     {"md5", [](const XMLElement& e, Package& p) { p.md5 = ValueOf(e); }},
     {"verify", [](const XMLElement& e, Package& p) { p.verify = ValueOf(e); }},
-    {"size", [](const XMLElement& e, Package& p) { p.size = e.Int64Attribute("value"); }},
-    {"upsize", [](const XMLElement& e, Package& p) { p.upsize = e.Int64Attribute("value"); }},
+    {"size", [](const XMLElement& e, Package& p) { p.size = SizeOf(e); }},
+    {"upsize", [](const XMLElement& e, Package& p) { p.upsize = SizeOf(e); }},
     {"default", [](const XMLElement& e, Package& p) { p.isDefault = ValueOf(e) == "true"; }},
     {"sources",
      [](const XMLElement& e, Package& p) {

@@ -57,9 +57,9 @@ bool SendForgivingly(HINTERNET request, const std::wstring& headers, std::string
 bool ReadResponseHead(HINTERNET request, HttpResult& result) {
   DWORD status = 0;
   DWORD size = sizeof status;
-  SetLastError(ERROR_SUCCESS);
-  WinInet().HttpQueryInfo(request, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &size, nullptr);
-  const DWORD error = GetLastError();
+  const bool known =
+      WinInet().HttpQueryInfo(request, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &size, nullptr);
+  const DWORD error = known ? ERROR_SUCCESS : GetLastError();
   result.statusCode = status;
   if (status != HTTP_STATUS_OK && status != HTTP_STATUS_PARTIAL_CONTENT) {
     result.error = error;
@@ -75,7 +75,11 @@ bool ReadChunk(HINTERNET request, BodyChunk& chunk, HttpResult& result) {
   SetLastError(ERROR_SUCCESS);
   const BOOL done = WinInet().InternetReadFile(request, chunk.bytes, sizeof chunk.bytes, &chunk.size);
   if (done && chunk.size != 0) return true;
-  result.error = GetLastError();
+  const DWORD error = GetLastError();
+  // A connection that breaks behind the last byte has taken nothing away.
+  const auto length = ContentLength(request);
+  const bool complete = !done && error != kErrorDecodingFailed && length && result.received >= *length;
+  result.error = complete ? ERROR_SUCCESS : error;
   return false;
 }
 

@@ -15,17 +15,18 @@ namespace {
 // ShellExecuteW tells success by a value above this one.
 constexpr INT_PTR kLastShellError = 32;
 
-bool StartWithoutShell(const std::wstring& file, const std::wstring& parameters) {
+// Returns 0 or the error.
+DWORD StartWithoutShell(const std::wstring& file, const std::wstring& parameters) {
   std::wstring commandLine = L" " + parameters;
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION started;
   if (!CreateProcessW(file.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                       &started)) {
-    return false;
+    return GetLastError();
   }
   const KernelHandle process(started.hProcess), thread(started.hThread);
-  return true;
+  return ERROR_SUCCESS;
 }
 
 void TellStartFailed(uint32_t error, bool elevated, const std::wstring& file) {
@@ -41,9 +42,12 @@ void TellStartFailed(uint32_t error, bool elevated, const std::wstring& file) {
 bool RunProcess(bool elevated, bool reportFailure, const std::wstring& file, const std::wstring& parameters) {
   const HINSTANCE result =
       ShellExecuteW(nullptr, elevated ? L"runas" : L"open", file.c_str(), parameters.c_str(), nullptr, SW_SHOWNORMAL);
+  DWORD error = GetLastError();
   if (reinterpret_cast<INT_PTR>(result) > kLastShellError) return true;
-  if (!elevated && StartWithoutShell(file, parameters)) return true;
-  const DWORD error = GetLastError();
+  if (!elevated) {
+    error = StartWithoutShell(file, parameters);
+    if (error == ERROR_SUCCESS) return true;
+  }
   if (reportFailure) TellStartFailed(error, elevated, file);
   return false;
 }

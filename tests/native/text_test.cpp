@@ -3,33 +3,26 @@
 #include <gtest/gtest.h>
 
 TEST(Text, Utf8RoundTripAndGarbage) {
-  struct Case {
-    std::string utf8;
-    std::wstring wide;
-  };
-  const Case cases[] = {
-      {"", L""},
-      {"plain", L"plain"},
-      {"\xC3\xA9\xD0\x96\xE2\x82\xAC", L"\u00E9\u0416\u20AC"},
-      {"\x80", L"\uFFFD"},                        // a continuation byte alone
-      {"\xC3", L"\uFFFD"},                        // cut off
-      {"\xC0\xAF", L"\uFFFD\uFFFD"},              // an overlong slash must not become one
-      {"\xED\xA0\x80", L"\uFFFD\uFFFD\uFFFD"},    // a surrogate
+  const std::pair<std::string, std::wstring> cases[] = {
+      {"plain \xC3\xA9\xD0\x96\xE2\x82\xAC", L"plain \u00E9\u0416\u20AC"},
+      {"\x80", L"\uFFFD"},                                // a continuation byte alone
+      {"\xC3", L"\uFFFD"},                                // cut off
+      {"\xC0\xAF", L"\uFFFD\uFFFD"},                      // an overlong slash must not become one
+      {"\xED\xA0\x80", L"\uFFFD\uFFFD\uFFFD"},            // a surrogate
       {"\xF4\x90\x80\x80", L"\uFFFD\uFFFD\uFFFD\uFFFD"},  // beyond Unicode
       {"a\xE2\x82z", L"a\uFFFD\uFFFDz"},
   };
-  for (const Case& c : cases) EXPECT_EQ(Utf8ToWide(c.utf8), c.wide);
-  for (const char* text : {"\xF0\x9F\x98\x80", "gta \xD0\x96", "\x7F"}) EXPECT_EQ(WideToUtf8(Utf8ToWide(text)), text);
+  for (const auto& [utf8, wide] : cases) EXPECT_EQ(Utf8ToWide(utf8), wide);
+  for (const char* text : {"", "\xF0\x9F\x98\x80", "gta \xD0\x96", "\x7F"}) {
+    EXPECT_EQ(WideToUtf8(Utf8ToWide(text)), text);
+  }
   EXPECT_EQ(WideToUtf8(std::wstring(1, static_cast<wchar_t>(0xD800))), "\xEF\xBF\xBD");
+  EXPECT_EQ(WidenBytes("a\x80\xFF"), (std::wstring{L'a', 0x80, 0xFF}));
 }
-
-TEST(Text, WidensEveryByte) { EXPECT_EQ(WidenBytes("a\x80\xFF"), (std::wstring{L'a', 0x80, 0xFF})); }
 
 TEST(Text, SplitKeepsEmptyPieces) {
   using Pieces = std::vector<std::string>;
   EXPECT_EQ(SplitKeepingEmpty("", ','), Pieces{});
-  EXPECT_EQ(SplitKeepingEmpty("a", ','), Pieces{"a"});
   EXPECT_EQ(SplitKeepingEmpty("a,,b", ','), (Pieces{"a", "", "b"}));
   EXPECT_EQ(SplitKeepingEmpty("a,", ','), (Pieces{"a", ""}));
-  EXPECT_EQ(SplitKeepingEmpty(",", ','), (Pieces{"", ""}));
 }

@@ -20,9 +20,9 @@ class OwnMachineKey {
     RegDeleteTreeW(HKEY_CURRENT_USER, kPath);
   }
 
-  void SetText(const wchar_t* path, const wchar_t* value, const std::wstring& text) const {
+  void SetText(const std::wstring& path, const wchar_t* value, const std::wstring& text) const {
     RegKey key;
-    EXPECT_EQ(RegCreateKeyW(key_.Get(), path, key.Receive()), ERROR_SUCCESS);
+    EXPECT_EQ(RegCreateKeyW(key_.Get(), path.c_str(), key.Receive()), ERROR_SUCCESS);
     EXPECT_EQ(RegSetValueExW(key.Get(), value, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                              static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
               ERROR_SUCCESS);

@@ -3,13 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
+#include "app/context.h"
 #include "install/installation.h"
-#include "manifest/manifest_model.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
+
+using Lines = std::vector<std::wstring>;
 
 class PlacementFixture : public testing::Test {
  protected:
@@ -20,14 +19,7 @@ class PlacementFixture : public testing::Test {
     WriteTestFile(packagePath_, "the package");
   }
 
-  const StatsRecord& Stats() { return run_.packageStats[package_.filename]; }
-  const InstallPageControls& Page() const { return window_.Installation(); }
-  // What the log says of failures.
-  std::vector<std::wstring> ErrorLines() const {
-    std::vector<std::wstring> lines = window_.LogLines();
-    std::erase_if(lines, [](const std::wstring& line) { return !line.starts_with(L"[ERROR]"); });
-    return lines;
-  }
+  std::wstring InTarget(const std::wstring& name) const { return target_ + L"\\" + name; }
 
   TempFolder folder_;
   TestWindow window_;

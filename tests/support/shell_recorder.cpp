@@ -1,61 +1,31 @@
 #include "support/shell_recorder.h"
 
-#include <shellapi.h>
-
-#include <mutex>
-#include <optional>
-
-#include "support/replaced_import.h"
-
 extern "C" {
 extern decltype(&ShellExecuteW) importedShellExecute __asm__("__imp__ShellExecuteW@24");
 extern decltype(&ShellExecuteExW) importedShellExecuteEx __asm__("__imp__ShellExecuteExW@4");
 }
 
-namespace {
-
-std::mutex mutex;
-std::vector<ShellStart> starts;
-DWORD errorOfStarts;
-std::optional<ReplacedImport<decltype(&ShellExecuteW)>> shellExecute;
-std::optional<ReplacedImport<decltype(&ShellExecuteExW)>> shellExecuteEx;
-
-std::wstring TextOrEmpty(const wchar_t* text) { return text ? text : L""; }
-
-void Record(ShellStart start) {
-  const std::lock_guard lock(mutex);
-  starts.push_back(std::move(start));
+ShellRecorder::ShellRecorder(DWORD error)
+    : error_(error), shellExecute_(importedShellExecute, Start), shellExecuteEx_(importedShellExecuteEx, StartEx) {
+  current_ = this;
 }
 
-HINSTANCE WINAPI RecordStart(HWND, const wchar_t* verb, const wchar_t* file, const wchar_t* parameters, const wchar_t*,
-                             int showCommand) {
-  Record({TextOrEmpty(verb), TextOrEmpty(file), TextOrEmpty(parameters), showCommand, 0});
-  SetLastError(errorOfStarts);
-  const INT_PTR result = errorOfStarts == ERROR_SUCCESS ? 33 : SE_ERR_ACCESSDENIED;
+bool ShellRecorder::Record(const wchar_t* verb, const wchar_t* file, const wchar_t* parameters, int showCommand) {
+  const auto given = [](const wchar_t* text) { return std::wstring(text ? text : L""); };
+  current_->starts_.push_back({given(verb), given(file), given(parameters), showCommand});
+  SetLastError(current_->error_);
+  return current_->error_ == ERROR_SUCCESS;
+}
+
+HINSTANCE WINAPI ShellRecorder::Start(HWND, const wchar_t* verb, const wchar_t* file, const wchar_t* parameters,
+                                      const wchar_t*, int showCommand) {
+  const INT_PTR result = Record(verb, file, parameters, showCommand) ? 33 : SE_ERR_ACCESSDENIED;
   return reinterpret_cast<HINSTANCE>(result);
 }
 
-BOOL WINAPI RecordStartEx(SHELLEXECUTEINFOW* info) {
-  Record({TextOrEmpty(info->lpVerb), TextOrEmpty(info->lpFile), TextOrEmpty(info->lpParameters), info->nShow,
-          info->fMask});
+BOOL WINAPI ShellRecorder::StartEx(SHELLEXECUTEINFOW* info) {
+  const bool started = Record(info->lpVerb, info->lpFile, info->lpParameters, info->nShow);
   // A set event can be waited for like a process that has ended.
-  info->hProcess = errorOfStarts == ERROR_SUCCESS ? CreateEventW(nullptr, TRUE, TRUE, nullptr) : nullptr;
-  SetLastError(errorOfStarts);
-  return errorOfStarts == ERROR_SUCCESS;
+  info->hProcess = started ? CreateEventW(nullptr, TRUE, TRUE, nullptr) : nullptr;
+  return started;
 }
-
-}  // namespace
-
-ShellRecorder::ShellRecorder(DWORD error) {
-  errorOfStarts = error;
-  starts.clear();
-  shellExecute.emplace(importedShellExecute, RecordStart);
-  shellExecuteEx.emplace(importedShellExecuteEx, RecordStartEx);
-}
-
-ShellRecorder::~ShellRecorder() {
-  shellExecute.reset();
-  shellExecuteEx.reset();
-}
-
-const std::vector<ShellStart>& ShellRecorder::Starts() const { return starts; }

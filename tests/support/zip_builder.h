@@ -11,14 +11,10 @@ struct TestEntry {
   std::string password = "";  // not empty: encrypted with it
   bool stored = false;        // instead of deflated
   bool sizesFollow = false;   // marked as written to a stream: the check byte of the encryption is then the time's
-  uint64_t claimedSize = 0;   // not 0: the entry claims this size, whatever it holds
 };
 
 // Writes an archive of these entries; fails the test when that can't be done.
 void BuildZip(const std::wstring& path, const std::vector<TestEntry>& entries);
-
-// Replaces every occurrence of `from` in the file by `to`, which is as long; fails the test when there is none.
-void PatchFile(const std::wstring& path, const std::string& from, const std::string& to);
 
 // So many bytes that don't compress to nothing, the same ones for the same seed.
 std::string TestBytes(size_t count, uint32_t seed = 1);

@@ -56,7 +56,7 @@ class DeleteAppDataTest : public testing::Test {
     return boxes.Boxes();
   }
   std::wstring Question(std::initializer_list<std::wstring> folders) const {
-    std::wstring text = L"Following data will be deleted:\n- Registry items";
+    std::wstring text = L"Following data will be deleted:\n- Application registry items";
     for (const std::wstring& folder : folders) text += L"\n- Folder: " + folder;
     return text;
   }
@@ -87,7 +87,7 @@ TEST_F(DeleteAppDataTest, RemovesSettingsAndBothFolders) {
   EXPECT_FALSE(PathExists(app.dataDir));
   EXPECT_FALSE(PathExists(folder_ / L"downloads"));
   EXPECT_TRUE(PathExists(folder_ / L"other\\file"));
-  EXPECT_TRUE(window_.IsOpen());
+  EXPECT_TRUE(IsWindow(window_.Window()));
 }
 
 TEST_F(DeleteAppDataTest, NamesAFolderOnce) {

@@ -7,6 +7,7 @@
 #include "app/context.h"
 #include "app/theme.h"
 #include "app/update_dialog.h"
+#include "resource.h"
 #include "support/dark_windows.h"
 #include "support/opened_dialog.h"
 #include "support/test_window.h"
@@ -76,12 +77,12 @@ TEST(DialogsAtTheEnd, CloseWithTheMainWindow) {
   }
 }
 
-// The colours that a dialog asks for, and whether it gets any.
 struct ColorQuestion {
   UINT message;
   int control;
 };
 
+// White on black is what controls are given in dark mode, and never in light mode.
 void ExpectColors(const TestWindow& window, HWND dialog, const std::vector<ColorQuestion>& questions) {
   window.Run([&] {
     const HDC dc = CreateCompatibleDC(nullptr);
@@ -89,10 +90,10 @@ void ExpectColors(const TestWindow& window, HWND dialog, const std::vector<Color
       SetTextColor(dc, RGB(1, 2, 3));
       const auto control = reinterpret_cast<LPARAM>(GetDlgItem(dialog, question.control));
       const LRESULT brush = SendMessageW(dialog, question.message, reinterpret_cast<WPARAM>(dc), control);
-      EXPECT_EQ(GetTextColor(dc), app.darkMode ? RGB(255, 255, 255) : RGB(1, 2, 3)) << question.message;
       LOGBRUSH look{};
       GetObjectW(reinterpret_cast<HGDIOBJ>(brush), sizeof look, &look);
-      if (app.darkMode) EXPECT_EQ(look.lbColor, RGB(0, 0, 0)) << question.message;
+      EXPECT_EQ(GetTextColor(dc) == RGB(255, 255, 255), app.darkMode) << question.message;
+      EXPECT_EQ(brush != 0 && look.lbColor == RGB(0, 0, 0), app.darkMode) << question.message;
     }
     DeleteDC(dc);
   });

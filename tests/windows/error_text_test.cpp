@@ -4,22 +4,6 @@
 #include <windows.h>
 
 #include "net/network_errors.h"
-#include "net/wininet_api.h"
-#include "support/exchanged.h"
-
-namespace {
-
-std::wstring serverText;
-BOOL WINAPI GiveServerText(LPDWORD code, LPWSTR buffer, LPDWORD length) {
-  *code = 550;
-  const bool fits = buffer != nullptr && *length > serverText.size();
-  if (fits) serverText.copy(buffer, serverText.size());
-  *length = static_cast<DWORD>(serverText.size());
-  if (!fits) SetLastError(ERROR_INSUFFICIENT_BUFFER);
-  return fits;
-}
-
-}  // namespace
 
 TEST(ErrorText, IsTheSystemsOwn) {
   SetLastError(ERROR_CRC);
@@ -36,16 +20,6 @@ TEST(ErrorText, IsEmptyForWinInetCodes) {
   SetLastError(ERROR_CRC);
   for (const uint32_t code : {kErrorTimeout, kErrorNameNotResolved, kErrorSecureChannel}) {
     EXPECT_EQ(GetErrorText(code), L"");
-  }
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CRC));
-}
-
-TEST(ErrorText, IsTheServersForAnExtendedError) {
-  const Exchanged entry(WinInet().InternetGetLastResponseInfo, &GiveServerText);
-  SetLastError(ERROR_CRC);
-  for (const std::wstring text : {L"550 No such file\r\n", L""}) {
-    serverText = text;
-    EXPECT_EQ(GetErrorText(ERROR_INTERNET_EXTENDED_ERROR), text);
   }
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CRC));
 }

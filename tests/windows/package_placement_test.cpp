@@ -6,176 +6,109 @@
 #include "support/box_recorder.h"
 #include "support/placement_fixture.h"
 #include "support/text_recorder.h"
-#include "support/zip_builder.h"
 #include "system/files.h"
+#include "system/text.h"
 
 namespace {
 
-using Lines = std::vector<std::wstring>;
+class PackagePlacementTest : public PlacementFixture {
+ protected:
+  PlacementResult Place() { return PlacePackage(run_, package_, target_); }
 
-using TargetFolderTest = PlacementFixture;
-using PackagePlacementTest = PlacementFixture;
+  // The programs that are run are copies of the command interpreter.
+  static void PutInterpreter(const std::wstring& path) {
+    wchar_t interpreter[MAX_PATH];
+    GetEnvironmentVariableW(L"ComSpec", interpreter, MAX_PATH);
+    WriteTestFile(path, ReadTestFile(interpreter));
+  }
+};
 
-TEST_F(TargetFolderTest, IsCreatedBelowTheInstallationFolder) {
-  package_.name = L"GTA San Andreas\\mods";
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), run_.installPath + L"\\GTA San Andreas\\mods");
-  EXPECT_TRUE(IsDirectory(run_.installPath + L"\\GTA San Andreas\\mods"));
-}
-
-TEST_F(TargetFolderTest, IsTheOneOfAnExistingInstallation) {
-  const std::wstring existing = folder_ / L"existing";
-  package_.name = L"GTA";
+TEST_F(PackagePlacementTest, TargetFolder) {
+  for (const wchar_t* name : {L"", L"..\\other", L"\\games", L"C:\\games", L"a/../../b", L"nul"}) {
+    package_.name = name;
+    EXPECT_EQ(ResolveTargetFolder(run_, package_), L"") << name;
+  }
+  const std::wstring existing = folder_ / L"existing", below = run_.installPath + L"\\GTA\\mods";
+  package_.name = L"GTA\\mods";
   run_.existingFolders["pack.bin"] = existing;
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), run_.installPath + L"\\GTA") << "the folder is gone";
-  ASSERT_EQ(CreateDirectories(existing), 0u);
+  EXPECT_EQ(ResolveTargetFolder(run_, package_), below) << "the existing installation is gone";
+  EXPECT_EQ(CreateDirectories(existing), 0u);
   EXPECT_EQ(ResolveTargetFolder(run_, package_), existing);
-  package_.filename = "another";
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), run_.installPath + L"\\GTA");
-}
-
-TEST_F(TargetFolderTest, IsThePlaceholdersBeforeTheName) {
   gamePaths.gtaFolder = folder_ / L"found game";
   package_.folder = "{gtasa_folder}";
-  package_.name = L"GTA";
   EXPECT_EQ(ResolveTargetFolder(run_, package_), gamePaths.gtaFolder);
-  EXPECT_FALSE(PathExists(gamePaths.gtaFolder) || PathExists(run_.installPath));
   gamePaths = {};
 }
 
-TEST_F(TargetFolderTest, IsNoneWithoutANameAndForUnsafeOnes) {
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), L"");
-  Lines expected;
-  for (const wchar_t* name : {L"..", L"..\\other", L"\\games", L"C:\\games", L"C:games", L"a/../../b", L"nul"}) {
-    package_.name = name;
-    EXPECT_EQ(ResolveTargetFolder(run_, package_), L"") << name;
-    expected.push_back(std::wstring(L"[ERROR] Unsafe path (") + name + L")");
-  }
-  EXPECT_EQ(window_.LogLines(), expected);
-}
+TEST_F(PackagePlacementTest, FilesAreCopiedAndVerified) {
+  WriteTestFile(InTarget(L"pack.bin"), "an older one");
+  WriteTestFile(InTarget(L"models\\gta3.img"), "");
+  package_.verify = "pack.bin||models|models/gta3.img|";
+  EXPECT_TRUE(Place().ok);
+  EXPECT_EQ(ReadTestFile(InTarget(L"pack.bin")), "the package");
 
-TEST_F(PackagePlacementTest, ZipArchivesAreUnpacked) {
-  BuildZip(packagePath_, {{"a.txt", "content"}});
-  package_.filetype = "application/x-zip-compressed";
-  package_.upsize = 7;
-  package_.verify = "a.txt";
-  EXPECT_TRUE(PlacePackage(run_, package_, target_).ok);
-  EXPECT_EQ(ReadTestFile(target_ + L"\\a.txt"), "content");
-  EXPECT_FALSE(PathExists(target_ + L"\\pack.bin"));
-  EXPECT_EQ(TextOf(Page().totalDetailLabel), L"-");
-}
-
-TEST_F(PackagePlacementTest, OtherFilesAreCopied) {
-  WriteTestFile(target_ + L"\\pack.bin", "an older one");
-  for (const char* filetype : {"", "text/plain", "Application/X-Zip-Compressed"}) {
-    WriteTestFile(packagePath_, std::string("file of type ") + filetype);
-    package_.filetype = filetype;
-    EXPECT_TRUE(PlacePackage(run_, package_, target_).ok) << filetype;
-    EXPECT_EQ(ReadTestFile(target_ + L"\\pack.bin"), std::string("file of type ") + filetype);
-  }
-  EXPECT_TRUE(PlacePackage(run_, package_, target_ + L"\\new\\folder").ok);
-  EXPECT_TRUE(PathExists(target_ + L"\\new\\folder\\pack.bin"));
-
-  DeleteFileW(packagePath_.c_str());
-  const PlacementResult missing = PlacePackage(run_, package_, target_);
-  EXPECT_FALSE(missing.ok);
-  EXPECT_EQ(missing.error, ERROR_FILE_NOT_FOUND);
-}
-
-TEST_F(PackagePlacementTest, InstallersNeedAnInstallTask) {
-  package_.filetype = "application/x-msdownload";
-  EXPECT_FALSE(PlacePackage(run_, package_, target_).ok);
-  EXPECT_FALSE(PathExists(target_));
-
-  wchar_t interpreter[MAX_PATH];
-  GetEnvironmentVariableW(L"ComSpec", interpreter, MAX_PATH);
-  ASSERT_TRUE(CopyFileW(interpreter, packagePath_.c_str(), FALSE));
-  package_.install = "|/c exit 5";
-  EXPECT_TRUE(PlacePackage(run_, package_, target_).ok);
+  package_.verify = "pack.bin|lost folder/lost.dll|lost too.dll";
+  const BoxRecorder recorder({IDOK});
+  EXPECT_EQ(Place().error, ERROR_PATH_NOT_FOUND);
+  const std::wstring path = InTarget(L"lost folder/lost.dll");
+  EXPECT_EQ(run_.errorRecords, VerifyFailedRecord("pack.bin", ERROR_PATH_NOT_FOUND, path));
+  EXPECT_EQ(recorder.Boxes().at(0).text,
+            L"Component installation failed\n\nRequired file or folder is missing:\n" + path +
+                L"\n\nThis error could be caused by other program (for example by virus or antivirus)");
 }
 
 TEST_F(PackagePlacementTest, AnInstallerThatRanMakesUpForAFailedExtraction) {
-  wchar_t interpreter[MAX_PATH];
-  GetEnvironmentVariableW(L"ComSpec", interpreter, MAX_PATH);
-  ASSERT_TRUE(CopyFileW(interpreter, packagePath_.c_str(), FALSE));
+  const std::wstring output = folder_ / L"ran.txt";
+  PutInterpreter(packagePath_);
+  PutInterpreter(InTarget(L"setup\\install.exe"));
+  WriteTestFile(InTarget(L"empty.exe"), "");
   package_.filetype = "application/x-zip-compressed";
-  package_.install = "|/c exit";
-  const PlacementResult result = PlacePackage(run_, package_, target_);
-  EXPECT_TRUE(result.ok);
-  EXPECT_EQ(result.error, 0u);
-}
-
-TEST_F(PackagePlacementTest, AnInstallerThatCannotBeStartedChangesNothing) {
-  package_.install = "missing.exe";
-  {
-    BoxRecorder recorder({IDNO});
-    EXPECT_TRUE(PlacePackage(run_, package_, target_).ok);
+  for (const std::string program : {"", "missing.exe", "empty.exe", "setup/install.exe"}) {
+    // Some take this exit code for "still running".
+    package_.install = program + "|/c \"echo ran>\"" + WideToUtf8(output) + "\" & exit 259\"|more";
+    EXPECT_TRUE(Place().ok) << program;
+    EXPECT_TRUE(DeleteFileW(output.c_str())) << program;
   }
-  package_.filetype = "application/x-msdownload";
-  BoxRecorder recorder({IDNO});
-  const PlacementResult result = PlacePackage(run_, package_, target_);
-  EXPECT_FALSE(result.ok);
-  EXPECT_EQ(result.error, ERROR_BAD_EXE_FORMAT);
 }
 
-TEST_F(PackagePlacementTest, MissingFilesOfTheVerifyListMakeItFail) {
-  package_.verify = "missing.dll";
-  BoxRecorder recorder({IDOK});
-  const PlacementResult result = PlacePackage(run_, package_, target_);
-  EXPECT_FALSE(result.ok);
-  EXPECT_EQ(result.error, ERROR_FILE_NOT_FOUND);
+TEST_F(PackagePlacementTest, AnInstallerThatCannotBeStartedIsTold) {
+  package_.filetype = "application/x-msdownload";
+  EXPECT_FALSE(Place().ok) << "there is nothing to do with this type but to run it";
+  package_.install = "missing.exe|/silent";
+  const BoxRecorder recorder({IDNO});
+  EXPECT_EQ(Place().error, ERROR_BAD_EXE_FORMAT);
+  EXPECT_EQ(run_.errorRecords, InstallerNotStartedRecord("pack.bin", ERROR_BAD_EXE_FORMAT));
+  EXPECT_EQ(
+      recorder.Boxes().at(0).text,
+      L"Unable to start the process\n\nYou can try to start this process manually:\n" + packagePath_ + L"\n\nOpen?");
+}
+
+TEST_F(PackagePlacementTest, CancellingEndsTheInstaller) {
+  PutInterpreter(packagePath_);
+  package_.install = "|/c for /l %i in (0,0,1) do rem";
+  const std::wstring text = L"Installer is running in the background";
+  int rounds = 0;  // the second one begins after 16 polls
+  const TextRecorder label(window_, window_.Installation().totalDetailLabel, [&](const std::wstring& shown) {
+    if (shown == text + L"." && ++rounds == 2) app.cancelRequested = true;
+  });
+  EXPECT_TRUE(Place().ok);
+  EXPECT_EQ(label.Texts(), (Lines{L"-", text, text + L".", text + L"..", text + L"...", text + L"."}));
+  // Only a program that has ended lets its file go.
+  for (int attempt = 0; attempt < 100 && !DeleteFileW(packagePath_.c_str()); ++attempt) Sleep(50);
+  EXPECT_FALSE(PathExists(packagePath_));
 }
 
 TEST_F(PackagePlacementTest, PathsThatLeaveTheirFolderAreRefused) {
-  struct Case {
-    const char *filename, *verify, *install, *refused;
-  };
-  const Case cases[] = {
-      {"../pack.bin", "", "", "../pack.bin"},
-      {"C:\\pack.bin", "", "", "C:\\pack.bin"},
-      {"", "", "", ""},
-      {"pack.bin", "fine.txt|../../up.txt", "", "../../up.txt"},
-      {"pack.bin", "", "../evil.exe|/s", "../evil.exe"},
-      {"pack.bin", "", "\\\\host\\share\\evil.exe", "\\\\host\\share\\evil.exe"},
-  };
-  Lines expected;
-  const BoxRecorder noBoxes(std::initializer_list<int>{});
-  for (const Case& c : cases) {
-    package_.filename = c.filename;
-    package_.verify = c.verify;
-    package_.install = c.install;
-    const PlacementResult result = PlacePackage(run_, package_, target_);
-    EXPECT_FALSE(result.ok);
-    EXPECT_EQ(result.error, ERROR_INVALID_NAME);
-    expected.push_back(L"[ERROR] Unsafe path (" + std::wstring(c.refused, c.refused + strlen(c.refused)) + L")");
+  const std::pair<std::string Package::*, std::string> cases[] = {
+      {&Package::filename, "../pack.bin"},         {&Package::filename, ""},
+      {&Package::verify, "fine.txt|../../up"},     {&Package::install, "../evil.exe|/s"},
+      {&Package::link, "\\\\host\\evil.exe|Game"}, {&Package::execute, "C:\\evil.exe"}};
+  for (const auto& [field, path] : cases) {
+    Package package = package_;
+    package.*field = path;
+    EXPECT_FALSE(PathsStayInside(package)) << path;
   }
-  EXPECT_EQ(window_.LogLines(), expected);
-  EXPECT_FALSE(PathExists(target_));
-}
-
-TEST_F(PackagePlacementTest, ATargetThatCannotBeCreatedMakesItFail) {
-  WriteTestFile(target_, "a file where the folder should be");
-  for (const char* filetype : {"", "application/x-zip-compressed"}) {
-    package_.filetype = filetype;
-    const PlacementResult result = PlacePackage(run_, package_, target_);
-    EXPECT_FALSE(result.ok);
-    EXPECT_EQ(result.error, ERROR_ALREADY_EXISTS);
-  }
-  EXPECT_EQ(window_.LogLines(), Lines(2, L"[ERROR] Unable to create folder (183) (" + target_ + L")"));
-}
-
-TEST_F(PackagePlacementTest, NothingFollowsACancelledPlacement) {
-  BuildZip(packagePath_, {{"a.txt", "content"}});
-  package_.filetype = "application/x-zip-compressed";
-  package_.upsize = 7;
-  package_.install = "missing.exe";
-  package_.verify = "missing.dll";
-  const TextRecorder label(window_, Page().totalDetailLabel, [](const std::wstring& text) {
-    if (text.ends_with(L"(100%)")) app.cancelRequested = true;
-  });
-  const BoxRecorder noBoxes(std::initializer_list<int>{});
-  EXPECT_FALSE(PlacePackage(run_, package_, target_).ok);
-  EXPECT_EQ(label.Texts().back(), L"Extracting: a.txt (100%)");
-  EXPECT_EQ(run_.errorRecords, "");
+  EXPECT_TRUE(PathsStayInside(package_));
 }
 
 }  // namespace

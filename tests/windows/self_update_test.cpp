@@ -2,18 +2,20 @@
 
 #include <gtest/gtest.h>
 #include <windows.h>
-// commctrl.h needs windows.h before it.
+// These need windows.h before them.
 #include <commctrl.h>
+#include <shellapi.h>
 
 #include <future>
-#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/context.h"
 #include "app/replaced_program.h"
 #include "app/site.h"
 #include "net/network_errors.h"
+#include "resource.h"
 #include "support/box_recorder.h"
 #include "support/exchanged.h"
 #include "support/replaced_import.h"
@@ -46,6 +48,19 @@ ScriptedAnswer Body(const std::string& body) {
   return answer;
 }
 
+ScriptedAnswer Missing() {
+  ScriptedAnswer answer = Body(kNewProgram);
+  answer.status = 404;
+  return answer;
+}
+
+ScriptedAnswer CutShort() {
+  ScriptedAnswer answer = Body(kNewProgram);
+  answer.announceLength = false;
+  answer.closeAfter = 20;
+  return answer;
+}
+
 std::wstring PromptText(const std::wstring& address, uint32_t error = 0) {
   const std::wstring errorLines = error != 0 ? FormatErrorMessage(error, {}) : L"";
   return errorLines + kPrompt + address + L"\n\nOpen?";
@@ -64,7 +79,7 @@ bool Answers(HWND window) {
   return SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 5000, &result) != 0;
 }
 
-// The test's thread plays the manifest thread. A program in a folder of its own plays the running one.
+// A program in a folder of its own plays the running one.
 class SelfUpdate : public testing::Test {
  protected:
   SelfUpdate() {
@@ -89,10 +104,10 @@ class SelfUpdate : public testing::Test {
   static UpdaterInfo Announce(std::deque<std::string> urls, const std::string& helpURL = {}) {
     return {.md5 = kNewMd5, .helpURL = helpURL, .filesize = 43, .urls = std::move(urls)};
   }
-  // Runs an update with the boxes that it shows answered.
+  // Runs an update with the boxes that it shows answered. Its thread ends with it, and so does the dialog.
   static std::vector<RecordedBox> Update(const UpdaterInfo& announced, std::initializer_list<int> answers = {}) {
     const BoxRecorder boxes(answers);
-    RunSelfUpdate(announced);
+    std::thread([&announced] { RunSelfUpdate(announced); }).join();
     return boxes.Boxes();
   }
 
@@ -153,25 +168,21 @@ TEST_F(SelfUpdate, UsesWhatAnEarlierAttemptHasBrought) {
 }
 
 TEST_F(SelfUpdate, TriesOneAddressAfterTheOther) {
-  const struct {
-    const char* what;
-    ScriptedAnswer first;
-  } cases[] = {{"another file", Body("The quick brown fox jumps over the lazy cat")},
-               {"nothing", Body("")},
-               {"no such file", {.status = 404, .body = kNewProgram}},
-               {"cut short", {.body = kNewProgram, .announceLength = false, .closeAfter = 20}}};
-  for (const auto& test : cases) {
-    SCOPED_TRACE(test.what);
-    WriteTestFile(UpdateFilePath(), "what an earlier attempt left");
-    WriteTestFile(app.exePath, "the old program");
-    server_.Answer("/first", test.first);
-    server_.Answer("/second", Body(kNewProgram));
-    const size_t before = RequestsOf("/second");
-    Update(Announce({kFirst, kSecond}));
-    EXPECT_EQ(ReadTestFile(app.exePath), kNewProgram);
-    EXPECT_EQ(RequestsOf("/second"), before + 1);
+  WriteTestFile(UpdateFilePath(), "what an earlier attempt left");
+  server_.Answer("/another-file", Body("The quick brown fox jumps over the lazy cat"));
+  server_.Answer("/nothing", Body(""));
+  server_.Answer("/missing", Missing());
+  server_.Answer("/cut-short", CutShort());
+  server_.Answer("/second", Body(kNewProgram));
+  std::deque<std::string> urls;
+  for (const char* path : {"another-file", "nothing", "missing", "cut-short", "second", "first"}) {
+    urls.push_back(std::string("http://zendora.example/") + path);
   }
-  EXPECT_TRUE(window_.WaitUntilClosed());
+  EXPECT_TRUE(Update(Announce(urls)).empty());
+  ExpectReplaced();
+  std::vector<std::string> asked;
+  for (const RecordedRequest& request : server_.Requests()) asked.push_back(request.target);
+  EXPECT_EQ(asked, (std::vector<std::string>{"/another-file", "/nothing", "/missing", "/cut-short", "/second"}));
 }
 
 // No range: what lies there may belong to another version.
@@ -244,16 +255,16 @@ TEST_F(SelfUpdate, TellsTheErrorOfTheLastAddress) {
   EXPECT_EQ(pauses, 0);
 }
 
-// The permissions of the temporary folder.
 constexpr wchar_t kPermissionQuestion[] = L"Fix permissions?";
 
-void LockUpdateFile() {
-  WriteTestFile(UpdateFilePath(), "read-only");
-  ASSERT_TRUE(SetFileAttributesW(UpdateFilePath().c_str(), FILE_ATTRIBUTE_READONLY));
-}
+// A folder in the file's place denies every access to it, even to an administrator.
+void DenyUpdateFile() { EXPECT_EQ(CreateDirectories(UpdateFilePath()), 0u); }
 
-BOOL WINAPI RepairByUnlocking(SHELLEXECUTEINFOW* info) {
-  SetFileAttributesW(UpdateFilePath().c_str(), FILE_ATTRIBUTE_NORMAL);
+HWND dialogDuringRepair;
+
+BOOL WINAPI RepairByRemoving(SHELLEXECUTEINFOW* info) {
+  dialogDuringRepair = FindUpdateDialog(app.mainWindow);
+  RemoveDirectoryW(UpdateFilePath().c_str());
   info->hProcess = CreateEventW(nullptr, TRUE, TRUE, nullptr);
   return TRUE;
 }
@@ -265,21 +276,21 @@ BOOL WINAPI RefuseToRepair(SHELLEXECUTEINFOW* info) {
 }
 
 TEST_F(SelfUpdate, RepairsPermissionsOnRequest) {
-  LockUpdateFile();
+  DenyUpdateFile();
   server_.Answer("/first", Body(kNewProgram));
-  const ReplacedImport repair(importedShellExecuteEx, RepairByUnlocking);
+  const ReplacedImport repair(importedShellExecuteEx, RepairByRemoving);
   const auto boxes = Update(Announce({kFirst}), {IDYES});
   ASSERT_EQ(boxes.size(), 1u);
   EXPECT_EQ(boxes[0].caption, L"Update");
   EXPECT_EQ(boxes[0].text, FormatErrorMessage(ERROR_ACCESS_DENIED, kPermissionQuestion));
   EXPECT_EQ(boxes[0].buttons, (std::vector<int>{IDYES, IDNO}));
-  EXPECT_NE(boxes[0].owner, window_.Window());
-  EXPECT_TRUE(GetDlgItem(boxes[0].owner, UPDATE_PROGRESS)) << "owned by the update dialog";
+  EXPECT_TRUE(boxes[0].owner);
+  EXPECT_EQ(boxes[0].owner, dialogDuringRepair);
   ExpectReplaced();
 }
 
 TEST_F(SelfUpdate, GoesOnWithoutRepair) {
-  LockUpdateFile();
+  DenyUpdateFile();
   server_.Answer("/first", Body(kNewProgram));
   server_.Answer("/second", Body(kNewProgram));
   const ReplacedImport repair(importedShellExecuteEx, RefuseToRepair);
@@ -288,7 +299,6 @@ TEST_F(SelfUpdate, GoesOnWithoutRepair) {
   ExpectGivenUp(boxes, PromptText(L"http://zendora.example/first", ERROR_ACCESS_DENIED));
   EXPECT_EQ(RequestsOf("/first"), 1u);
   EXPECT_EQ(RequestsOf("/second"), 1u);
-  SetFileAttributesW(UpdateFilePath().c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
 TEST_F(SelfUpdate, LeavesAProgramThatCannotBeMoved) {
@@ -341,10 +351,12 @@ TEST_F(SelfUpdate, AClosedWindowWaitsForTheNewProgramAndStaysClosed) {
 class StalledUpdate : public SelfUpdate {
  protected:
   StalledUpdate() {
-    server_.Answer("/first", {.body = newProgram_, .stallAfter = newProgram_.size() / 2});
+    ScriptedAnswer stalling = Body(newProgram_);
+    stalling.stallAfter = kHalf;
+    server_.Answer("/first", stalling);
     update_ = std::async(std::launch::async, [] {
       UpdaterInfo announced = Announce({kFirst});
-      announced.md5 = "d5816f35916d1d9482fb0f1ec201101d";  // of newProgram_
+      announced.md5 = "30e9e575a359468ae617b763840d347f";  // of newProgram_
       EXPECT_TRUE(Update(announced).empty());
     });
     EXPECT_TRUE(server_.WaitForStall());
@@ -357,7 +369,8 @@ class StalledUpdate : public SelfUpdate {
     update_.wait();
   }
 
-  const std::string newProgram_ = std::string(100'000, 'x');
+  static constexpr size_t kHalf = 12 * 4096;  // what was sent before the stall is then handed on in full
+  const std::string newProgram_ = std::string(2 * kHalf, 'x');
   std::future<void> update_;
   HWND dialog_ = nullptr;
 };
@@ -369,12 +382,12 @@ TEST_F(StalledUpdate, ShowsHowFarItIsAndAnswers) {
   EXPECT_EQ(TextOf(GetDlgItem(dialog_, UPDATE_STATUS)), L"Downloading update");
   EXPECT_TRUE(Answers(dialog_));
   EXPECT_TRUE(Answers(window_.Window()));
-  // What was sent before the stall arrives in its own time.
-  const std::wstring received = FormatByteSize(50'000);
+  // The server is ahead of the program.
+  const std::wstring received = FormatByteSize(kHalf);
   const ULONGLONG end = GetTickCount64() + 10'000;
   while (TextOf(GetDlgItem(dialog_, UPDATE_RECEIVED)) != received && GetTickCount64() < end) Sleep(5);
   EXPECT_EQ(TextOf(GetDlgItem(dialog_, UPDATE_RECEIVED)), received);
-  EXPECT_EQ(TextOf(GetDlgItem(dialog_, UPDATE_TOTAL)), FormatByteSize(100'000));
+  EXPECT_EQ(TextOf(GetDlgItem(dialog_, UPDATE_TOTAL)), FormatByteSize(2 * kHalf));
   EXPECT_EQ(SendDlgItemMessageW(dialog_, UPDATE_PROGRESS, PBM_GETPOS, 0, 0), 50);
 
   Finish();

@@ -1,6 +1,7 @@
 // Watches and operates a running installer for the scripts that show it, one step a call:
 //   drive_installer wait components|install|closing   until the page is there and filled
 //   drive_installer show TEXT                         until a detail line of the installation contains the text
+//   drive_installer yes TEXT                          until a message box asks that; answers it
 //   drive_installer finish                            until the installation has ended
 //   drive_installer log | boxes                       prints the log, or the message boxes that wait for an answer
 //   drive_installer close                             closes the window, and waits until it is gone
@@ -56,6 +57,17 @@ bool AwaitText(std::wstring_view text) {
   });
 }
 
+bool AnswerYes(std::wstring_view question) {
+  InstallerBox box;
+  const auto asked = [&box] {
+    box = FindBox(ProcessOf(FindInstallerWindow()));
+    return box.window != nullptr;
+  };
+  if (!WaitUntil(asked, kLimit) || box.text.find(question) == std::wstring::npos) return false;
+  AnswerBox(box, IDYES);
+  return WaitUntil([&box] { return !IsWindow(box.window); }, kLimit);
+}
+
 bool AwaitEnd() {
   // The last thing that an installation does is to rename its button.
   return Await([](HWND window) {
@@ -88,6 +100,7 @@ bool Run(std::string_view step, std::string_view argument) {
   if (step == "wait" && argument == "install") return AwaitPage(InstallPage);
   if (step == "wait" && argument == "closing") return AwaitPage(ClosingPage);
   if (step == "show") return AwaitText(Utf8ToWide(argument));
+  if (step == "yes") return AnswerYes(Utf8ToWide(argument));
   if (step == "finish") return AwaitEnd();
   if (step == "log") return PrintLog();
   if (step == "boxes") return PrintBoxes();
