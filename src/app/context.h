@@ -82,7 +82,9 @@ struct AppContext {
   bool darkModeSupported = false;
   SharedWord<bool> darkMode;         // UI thread; read by the manifest thread
   SharedWord<bool> cancelRequested;  // set by the UI thread and the worker, never cleared; polled by all
-  SharedWord<bool> installRunning;   // written by the worker; read by the UI thread
+  // Closing the window waits while it is set. Written by the worker, and by the self-update while it replaces the
+  // program; read by the UI thread.
+  SharedWord<bool> installRunning;
   SharedWord<uint32_t> closeAttempts;  // written by the UI thread; read by the worker
   SharedWord<int> closeReason{NotEnding};  // a CloseReason; likewise
   // A relaunch that the main window performs when it is destroyed. Written by the UI thread, or by the manifest

@@ -16,7 +16,7 @@ uint32_t SpeedAtPosition(uint32_t position, uint32_t scaleMax);
 // a text that is no number.
 uint32_t ParseSpeed(const std::wstring& text);
 
-// A speed in bytes per second; the largest number for what is beyond it.
+// A speed in bytes per second, in 32-bit arithmetic: the limit is one word that threads share.
 uint32_t SpeedInBytes(uint32_t speed);
 
 // The text of a speed: empty for no limit.

@@ -4,18 +4,13 @@
 
 #include "system/path_names.h"
 
-namespace {
-
-std::wstring ProgramPath() {
+std::wstring InstallerProcess::ProgramPath() {
   wchar_t own[MAX_PATH] = L"";
   GetModuleFileNameW(nullptr, own, MAX_PATH);
   return JoinPath(ParentFolder(own), L"ZendoraInstaller.exe");
 }
 
-}  // namespace
-
-InstallerProcess::InstallerProcess(const std::wstring& commandLine) {
-  const std::wstring program = ProgramPath();
+InstallerProcess::InstallerProcess(const std::wstring& commandLine, const std::wstring& program) {
   std::wstring whole = L"\"" + program + L"\" " + commandLine;
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
@@ -30,11 +25,22 @@ InstallerProcess::InstallerProcess(const std::wstring& commandLine) {
   id_ = started.dwProcessId;
 }
 
+InstallerProcess::InstallerProcess(DWORD id) : process_(OpenProcess(PROCESS_ALL_ACCESS, FALSE, id)), id_(id) {
+  EXPECT_TRUE(process_);
+}
+
 InstallerProcess::~InstallerProcess() {
   if (Runs()) Kill();
 }
 
 bool InstallerProcess::Runs() const { return process_ && WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT; }
+
+std::wstring InstallerProcess::File() const {
+  wchar_t path[MAX_PATH] = L"";
+  DWORD length = MAX_PATH;
+  QueryFullProcessImageNameW(process_.Get(), 0, path, &length);
+  return path;
+}
 
 void InstallerProcess::Kill() {
   TerminateProcess(process_.Get(), 77);

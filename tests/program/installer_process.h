@@ -11,14 +11,21 @@
 
 class InstallerProcess {
  public:
-  // Starts the program that lies beside the test program; fails the test when it can't be started.
-  explicit InstallerProcess(const std::wstring& commandLine = L"");
+  // Starts a program file, by default the one that lies beside the test program; fails the test when it can't be started.
+  explicit InstallerProcess(const std::wstring& commandLine = L"", const std::wstring& program = ProgramPath());
+  // Takes over a process that somebody else has started.
+  explicit InstallerProcess(DWORD id);
   // Ends it by force if it still runs.
   ~InstallerProcess();
   InstallerProcess(const InstallerProcess&) = delete;
   InstallerProcess& operator=(const InstallerProcess&) = delete;
 
+  // The program file that lies beside the test program.
+  static std::wstring ProgramPath();
+
   DWORD Id() const { return id_; }
+  // Its program file.
+  std::wstring File() const;
   bool Runs() const;
   // Ends it by force, as a power cut would.
   void Kill();

@@ -79,10 +79,19 @@ void InstallerTest::Offer(const std::vector<TestPackage>& packages) {
   OfferManifest(xml + "</packages></downloader>");
 }
 
-void InstallerTest::Start(const std::wstring& commandLine) {
+void InstallerTest::Start(const std::wstring& commandLine, const std::wstring& program) {
   process_.reset();  // one at a time
-  process_.emplace(commandLine);
+  process_.emplace(commandLine, program);
   ASSERT_TRUE(WaitUntil([this] { return IsWindowVisible(Window()); })) << "the window did not appear";
+}
+
+void InstallerTest::FollowRelaunch() {
+  ExpectExit();
+  HWND window = nullptr;
+  ASSERT_TRUE(WaitUntil([&window] { return IsWindowVisible(window = FindInstallerWindow()); })) << "no relaunch";
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  process_.emplace(process);
 }
 
 void InstallerTest::PressInstall() {

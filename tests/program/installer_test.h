@@ -48,7 +48,9 @@ class InstallerTest : public testing::Test {
   static std::string FilePath(const TestPackage& package) { return "/packages/" + package.filename; }
 
   // Starts the program; returns when its window is there.
-  void Start(const std::wstring& commandLine = L"");
+  void Start(const std::wstring& commandLine = L"", const std::wstring& program = InstallerProcess::ProgramPath());
+  // Waits until the program has ended, and another that it has started shows its window.
+  void FollowRelaunch();
   InstallerProcess& Process() { return *process_; }
   HWND Window() { return FindInstallerWindow(process_->Id()); }
   // Waits until the list is filled, and presses Install.
