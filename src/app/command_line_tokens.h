@@ -7,7 +7,7 @@
 #include <vector>
 
 struct CommandLineRequest {
-  bool updated = false;                                  // the line begins with "updated"
+  bool updated = false;                                 // the line begins with "updated"
   std::optional<std::vector<std::string>> installList;  // of the last "install:" token
   std::optional<std::string> source;                    // of the last "source:" token
 };

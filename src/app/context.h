@@ -64,7 +64,7 @@ struct AppContext {
   std::wstring commandLine;               // the last one received; UI thread (and the self-update before it closes)
 
   // Options and selection
-  SharedWord<uint32_t> uiLanguage{LANG_ENGLISH};     // primary language identifier; written by the UI thread
+  SharedWord<uint32_t> uiLanguage{LANG_ENGLISH};      // primary language identifier; written by the UI thread
   SharedValue<std::vector<std::string>> installList;  // written by the UI thread; read by all
   SharedValue<std::string> selectedSource;            // written by the UI thread and by LoadManifest; read by all
   std::string uuid;                                   // 36 characters, or empty
@@ -85,7 +85,7 @@ struct AppContext {
   // Closing the window waits while it is set. Written by the worker, and by the self-update while it replaces the
   // program; read by the UI thread.
   SharedWord<bool> installRunning;
-  SharedWord<uint32_t> closeAttempts;  // written by the UI thread; read by the worker
+  SharedWord<uint32_t> closeAttempts;      // written by the UI thread; read by the worker
   SharedWord<int> closeReason{NotEnding};  // a CloseReason; likewise
   // A relaunch that the main window performs when it is destroyed. Written by the UI thread, or by the manifest
   // thread right before it posts WM_CLOSE.

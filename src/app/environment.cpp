@@ -69,9 +69,7 @@ bool CanWriteMachineSoftware(REGSAM view) {
 
 }  // namespace
 
-void ProbeAdministrator() {
-  app.isAdmin = CanWriteMachineSoftware(KEY_WOW64_32KEY) || CanWriteMachineSoftware(0);
-}
+void ProbeAdministrator() { app.isAdmin = CanWriteMachineSoftware(KEY_WOW64_32KEY) || CanWriteMachineSoftware(0); }
 
 void ProbeSystemVersion() {
   if (app.osBuild != 0) return;

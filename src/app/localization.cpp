@@ -39,9 +39,13 @@ std::wstring LoadStringIn(LANGID language, unsigned id) {
 
 const std::map<uint32_t, std::wstring>& UiLanguages() {
   static const auto& languages = *new std::map<uint32_t, std::wstring>{
-      {LANG_GERMAN, L"Deutsch"},          {LANG_ENGLISH, L"English"}, {LANG_SPANISH, L"Espa\u00F1ol"},
-      {LANG_POLISH, L"Polski"},           {LANG_PORTUGUESE, L"Portugu\u00EAs"},
-      {LANG_RUSSIAN, L"\u0420\u0443\u0441\u0441\u043A\u0438\u0439"}, {LANG_TURKISH, L"T\u00FCrk\u00E7e"},
+      {LANG_GERMAN, L"Deutsch"},
+      {LANG_ENGLISH, L"English"},
+      {LANG_SPANISH, L"Espa\u00F1ol"},
+      {LANG_POLISH, L"Polski"},
+      {LANG_PORTUGUESE, L"Portugu\u00EAs"},
+      {LANG_RUSSIAN, L"\u0420\u0443\u0441\u0441\u043A\u0438\u0439"},
+      {LANG_TURKISH, L"T\u00FCrk\u00E7e"},
   };
   return languages;
 }

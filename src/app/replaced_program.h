@@ -6,15 +6,15 @@
 // Where an update keeps the program that it downloads. Any thread.
 std::wstring UpdateFilePath();
 
-// Removes the copy after an update. The program that was updated may still be ending, and can't be removed before it has:
-// that is waited for, one second at most.
+// Removes the copy after an update. The program that was updated may still be ending, and can't be removed before it
+// has: that is waited for, one second at most.
 void RemoveReplacedProgram();
 
 // Where an update was interrupted between its two steps, the copy is all that is left; started under its own name, it
 // takes the program's place again. To be called before app.exePath is used.
 void RestoreReplacedProgram();
 
-// Removes the copy that an update left when the program was ended before it could relaunch: this program is then the one
-// that was downloaded. Any other file of the copy's name is somebody's own and stays. Manifest thread, once it is clear
-// that no update is under way.
+// Removes the copy that an update left when the program was ended before it could relaunch: this program is then the
+// one that was downloaded. Any other file of the copy's name is somebody's own and stays. Manifest thread, once it is
+// clear that no update is under way.
 void RemoveForgottenCopy();

@@ -21,8 +21,6 @@ uint32_t SpeedAtPosition(uint32_t position, uint32_t scaleMax) {
 
 uint32_t ParseSpeed(const std::wstring& text) { return static_cast<uint32_t>(std::wcstoul(text.c_str(), nullptr, 0)); }
 
-uint32_t SpeedInBytes(uint32_t speed) {
-  return static_cast<uint32_t>(std::min<uint64_t>(uint64_t{speed} * 1024, UINT32_MAX));
-}
+uint32_t SpeedInBytes(uint32_t speed) { return speed << 10; }
 
 std::wstring SpeedText(uint32_t speed) { return speed != 0 ? std::to_wstring(speed) : L""; }

@@ -12,11 +12,11 @@ uint32_t SpeedScaleMax(uint32_t speed);
 uint32_t PositionOfSpeed(uint32_t speed, uint32_t scaleMax);
 uint32_t SpeedAtPosition(uint32_t position, uint32_t scaleMax);
 
-// The speed that a text stands for: decimal, hexadecimal after "0x", octal after "0", as far as its characters go; 0 for
-// a text that is no number.
+// The speed that a text stands for: decimal, hexadecimal after "0x", octal after "0", as far as its characters go; 0
+// for a text that is no number.
 uint32_t ParseSpeed(const std::wstring& text);
 
-// A speed in bytes per second; the largest number for what is beyond it.
+// A speed in bytes per second, in 32-bit arithmetic: the limit is one word that threads share.
 uint32_t SpeedInBytes(uint32_t speed);
 
 // The text of a speed: empty for no limit.

@@ -1,10 +1,10 @@
 // Putting a downloaded package where it belongs. Worker.
 #pragma once
 
-#include <cstdint>
 #include <string>
 
 #include "install/installation.h"
+#include "install/placement_result.h"
 #include "manifest/manifest_model.h"
 
 // The folder that the package goes into; empty when there is none. A folder below the installation folder is created;
@@ -14,11 +14,6 @@ std::wstring ResolveTargetFolder(const Installation& run, const Package& package
 // Whether all paths that the package names stay inside its folder; the log tells which one doesn't. To be asked before
 // anything is done for the package.
 bool PathsStayInside(const Package& package);
-
-struct PlacementResult {
-  bool ok = false;
-  uint32_t error = 0;  // the system error that made it fail, 0 when there was none
-};
 
 // Extracts, copies or runs the package, runs its installer program and checks its verify list. When
 // app.cancelRequested is set after the extraction or copy, it returns at once and not ok, whatever was placed; set

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "install/installation.h"
-#include "install/package_placement.h"
+#include "install/placement_result.h"
 #include "manifest/manifest_model.h"
 
 // Whether everything that the package's `verify` names exists below `target`. At the first thing missing it tells the

@@ -23,11 +23,11 @@ struct Package {
   std::wstring tooltip;
   std::string filename;  // identifies the package; also the name of the downloaded file
   std::string filetype, password;
-  std::string folder;             // placeholder of a target folder; takes precedence over `name`
-  int64_t size = 0, upsize = 0;   // bytes to download, bytes after installation
-  std::string md5;                // of the downloaded file; empty: not checked
-  bool isDefault = false;         // checked at first
-  std::string verify;             // paths joined by "|"
+  std::string folder;                  // placeholder of a target folder; takes precedence over `name`
+  int64_t size = 0, upsize = 0;        // bytes to download, bytes after installation
+  std::string md5;                     // of the downloaded file; empty: not checked
+  bool isDefault = false;              // checked at first
+  std::string verify;                  // paths joined by "|"
   std::string link, install, execute;  // path, "|", title or arguments
   std::vector<std::string> addons;
   std::vector<RegistryItem> registryItems;
@@ -47,8 +47,8 @@ struct UpdaterInfo {
 };
 
 struct Manifest {
-  std::map<std::string, Package> packages;   // by filename; entries are replaced by a load, never removed
-  std::vector<std::string> packageOrder;     // filenames in document order; may hold one twice
+  std::map<std::string, Package> packages;        // by filename; entries are replaced by a load, never removed
+  std::vector<std::string> packageOrder;          // filenames in document order; may hold one twice
   std::map<std::string, DownloadSource> sources;  // by key
   UpdaterInfo updater;
 };

@@ -14,9 +14,9 @@ std::shared_ptr<const Manifest> CurrentManifest();
 extern std::string& manifestBuffer;
 
 // Rebuilds the manifest from manifestBuffer, or from the cache file while that is empty. Returns the number of entries
-// in its packageOrder, 0 for a document without `downloader`, -1 for one that can't be read (an unreadable cache file is
-// deleted). A document from the network is cached. If it announces a new program, app.upward.runSelfUpdate runs first,
-// unless `suppressSelfUpdate`. Manifest thread or worker.
+// in its packageOrder, 0 for a document without `downloader`, -1 for one that can't be read (an unreadable cache file
+// is deleted). A document from the network is cached. If it announces a new program, app.upward.runSelfUpdate runs
+// first, unless `suppressSelfUpdate`. Manifest thread or worker.
 int LoadManifest(bool suppressSelfUpdate);
 
 // Writes the document last loaded from the network to the cache file; false when the file can't be opened for writing.

@@ -18,8 +18,8 @@
 #include "system/process.h"
 #include "system/text.h"
 
-// The story starts at the end of this file. Everything that may take long runs on a helping thread, so that the dialog's
-// own thread can serve it.
+// The story starts at the end of this file. Everything that may take long runs on a helping thread, so that the
+// dialog's own thread can serve it.
 
 namespace {
 
@@ -42,9 +42,8 @@ bool IsAnnouncedFile(const Update& update) {
 
 HttpResult Download(Update& update, const std::wstring& url) {
   HttpResult result;
-  RunWhileServing(update.dialog, [&] {
-    result = update.client.DownloadToFile(url, update.file, 0, OnUpdateDownloadProgress);
-  });
+  RunWhileServing(update.dialog,
+                  [&] { result = update.client.DownloadToFile(url, update.file, 0, OnUpdateDownloadProgress); });
   return result;
 }
 
@@ -132,8 +131,7 @@ void RunSelfUpdate(const UpdaterInfo& announced) {
   EnableWindow(app.mainWindow, FALSE);
   ShowUpdateStatus(STR_DOWNLOADING_UPDATE);
 
-  Update update{dialog, UpdateFilePath(), announced.md5,
-                WidenBytes(announced.helpURL), {}};
+  Update update{dialog, UpdateFilePath(), announced.md5, WidenBytes(announced.helpURL), {}};
   if (ObtainFile(update, announced.urls) && Install(update)) {
     Relaunch();
   } else {

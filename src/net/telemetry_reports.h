@@ -46,7 +46,7 @@ struct PhaseEnd {
   std::string uuid;
   bool cancelled = false;
   int closeReason = 0;
-  uint64_t elapsedMs = 0;                // since the start of the run
+  uint64_t elapsedMs = 0;                  // since the start of the run
   std::optional<uint32_t> changedLimitKB;  // the current limit, when it is not the one of the start
   bool deleteTmpFiles = false;
   std::string statsField;    // of BuildStatsField

@@ -11,7 +11,8 @@
 
 class InstallerProcess {
  public:
-  // Starts a program file, by default the one that lies beside the test program; fails the test when it can't be started.
+  // Starts a program file, by default the one that lies beside the test program; fails the test when it can't be
+  // started.
   explicit InstallerProcess(const std::wstring& commandLine = L"", const std::wstring& program = ProgramPath());
   // Takes over a process that somebody else has started.
   explicit InstallerProcess(DWORD id);

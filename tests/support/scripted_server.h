@@ -13,8 +13,8 @@ struct ScriptedAnswer {
   int status = 200;
   std::vector<std::pair<std::string, std::string>> headers;  // besides Content-Length and Connection
   std::string body;
-  bool honourRange = true;     // answer 206 with the rest of the body to a range request that it covers
-  bool announceLength = true;  // send Content-Length
+  bool honourRange = true;                  // answer 206 with the rest of the body to a range request that it covers
+  bool announceLength = true;               // send Content-Length
   std::optional<uint64_t> announcedLength;  // instead of the real one
   std::optional<size_t> closeAfter;         // close the connection after so many body bytes
   bool closeWithoutAnswer = false;          // close it before the first byte

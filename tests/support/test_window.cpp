@@ -63,7 +63,7 @@ TestWindow::~TestWindow() {
 void TestWindow::Start(const std::function<void()>& create) {
   thread_ = std::thread([&] { Loop(create); });
   WaitForSingleObject(ready_.Get(), INFINITE);
-  EXPECT_TRUE(IsWindow(window_));
+  EXPECT_TRUE(IsOpen());
 }
 
 void TestWindow::Loop(const std::function<void()>& create) {

@@ -37,6 +37,7 @@ class TestWindow {
   void Run(const std::function<void()>& step) const;
   // Returns when the UI thread has handled all messages posted before.
   void Settle() const;
+  bool IsOpen() const { return IsWindow(window_); }
   // True when the window is destroyed within ten seconds.
   bool WaitUntilClosed() const;
 

@@ -52,8 +52,7 @@ TEST(BrowseForPath, ChoicesAreCheckedAndKept) {
   for (const wchar_t* name : {L"LastInstallPath", L"LastTmpPath"}) {
     EXPECT_EQ(ReadRegistryText(HKEY_CURRENT_USER, app.registryKeyPath.c_str(), name), *app.installPath.Get());
   }
-  const std::wstring picked = folder / L"\u0416\u4E2D";
-  EXPECT_TRUE(*app.installPath.Get() == picked && *app.tmpPath.Get() == picked);
+  EXPECT_EQ(*app.installPath.Get(), folder / L"\u0416\u4E2D");
   EXPECT_EQ(gamePaths.mtaCacheFolder, folder / L"cache");
   EXPECT_EQ(gamePaths.mtaExePath, folder / L"Multi Theft Auto.exe");
   EXPECT_EQ(gamePaths.gtaExePath, folder / L"gta-sa.exe");

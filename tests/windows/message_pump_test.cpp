@@ -21,7 +21,7 @@ class MessagePump : public testing::Test {
 
   bool Answers() const {
     DWORD_PTR result = 0;
-    return SendMessageTimeoutW(dialog_, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 5000, &result) != 0;
+    return SendMessageTimeoutW(dialog_, WM_NULL, 0, 0, SMTO_NORMAL, 5000, &result) != 0;
   }
 
   const HWND dialog_ = CreateDialogParamW(app.instance, MAKEINTRESOURCEW(DIALOG_ABOUT), nullptr, CountCommands, 0);

@@ -78,8 +78,8 @@ TEST(Theme, NothingOfTheOtherAppearanceStaysOnTheInstallationPage) {
   const TestWindow window(CreateProgramWindow);
   window.Run(ShowInstallPage);
   const HWND checkBox = window.Installation().deleteTmpCheckbox.Window();
-  const std::pair<POINT, COLORREF> background{{2, 2}, kWhite}, log{{100, 250}, kWhite},
-      label{{300, 17}, kWhite}, besideCheckMark{{500, 368}, kWhite};
+  const std::pair<POINT, COLORREF> background{{2, 2}, kWhite}, log{{100, 250}, kWhite}, label{{300, 17}, kWhite},
+      besideCheckMark{{500, 368}, kWhite};
   for (const bool dark : {true, false, true}) {
     windows.userWantsDark = dark;
     DarkWindows::TellColorSetChange(window.Window());
