@@ -10,7 +10,10 @@
 #include "system/files.h"
 #include "system/handles.h"
 
-extern "C" decltype(&FindNextFileW) importedFindNextFile __asm__("__imp__FindNextFileW@8");
+extern "C" {
+extern decltype(&FindNextFileW) importedFindNextFile __asm__("__imp__FindNextFileW@8");
+extern decltype(&GetVolumePathNameW) importedGetVolumePathName __asm__("__imp__GetVolumePathNameW@12");
+}
 
 namespace {
 
@@ -21,6 +24,15 @@ BOOL WINAPI FindNextWithJunctions(HANDLE find, WIN32_FIND_DATAW* entry) {
   const BOOL found = realFindNextFile(find, entry);
   if (found && std::wstring(entry->cFileName) == L"link") entry->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
   return found;
+}
+
+// A folder of the test's own plays a volume, so that a fault does no harm elsewhere.
+std::wstring volumeRoot;
+
+BOOL WINAPI GiveVolumeOfTheTest(const wchar_t*, wchar_t* volume, DWORD size) {
+  (volumeRoot + L"\\").copy(volume, size);
+  volume[volumeRoot.size() + 1] = L'\0';
+  return TRUE;
 }
 
 }  // namespace
@@ -69,14 +81,15 @@ TEST(FolderRemoval, FollowsNoJunction) {
 
 TEST(FolderRemoval, LeavesVolumesAlone) {
   const TempFolder folder;
-  WriteTestFile(folder / L"volume\\file", "1");
-  // A drive letter of the test's own, so that a fault here does no harm elsewhere.
-  ASSERT_TRUE(DefineDosDeviceW(0, L"Q:", (folder / L"volume").c_str()));
-  for (const wchar_t* root : {L"Q:\\", L"q:/", L"Q:\\.", L"Q:\\folder\\..", L"Q:"}) {
-    RemoveFolder(root);
-    EXPECT_TRUE(PathExists(folder / L"volume\\file")) << testing::PrintToString(root);
+  volumeRoot = folder / L"volume";
+  WriteTestFile(volumeRoot + L"\\sub\\file", "1");
+  const ReplacedImport volumes(importedGetVolumePathName, GiveVolumeOfTheTest);
+  for (const wchar_t* end : {L"", L"\\", L"/", L"\\.", L"\\sub\\.."}) {
+    RemoveFolder(volumeRoot + end);
+    EXPECT_TRUE(PathExists(volumeRoot + L"\\sub\\file")) << testing::PrintToString(end);
   }
-  EXPECT_TRUE(DefineDosDeviceW(DDD_REMOVE_DEFINITION, L"Q:", nullptr));
+  RemoveFolder(volumeRoot + L"\\sub");
+  EXPECT_FALSE(PathExists(volumeRoot + L"\\sub"));
 }
 
 TEST(FolderRemoval, LeavesAloneWhatIsNoFolder) {

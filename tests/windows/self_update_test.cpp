@@ -188,6 +188,7 @@ struct HelpCase {
   std::wstring address;
   int answer;
 };
+void PrintTo(const HelpCase& test, std::ostream* out) { *out << testing::PrintToString(test.address); }
 
 class SelfUpdateFailure : public SelfUpdate, public testing::WithParamInterface<HelpCase> {};
 
@@ -358,11 +359,11 @@ class StalledUpdate : public SelfUpdate {
 
 TEST_F(StalledUpdate, ShowsHowFarItIsAndAnswers) {
   ASSERT_TRUE(dialog_);
+  ASSERT_TRUE(Answers(dialog_));
+  ASSERT_TRUE(Answers(window_.Window()));
   EXPECT_TRUE(IsWindowVisible(dialog_));
   EXPECT_FALSE(IsWindowEnabled(window_.Window()));
   EXPECT_EQ(TextOf(GetDlgItem(dialog_, UPDATE_STATUS)), L"Downloading update");
-  EXPECT_TRUE(Answers(dialog_));
-  EXPECT_TRUE(Answers(window_.Window()));
   // The server is ahead of the program.
   const std::wstring received = FormatByteSize(kHalf);
   const ULONGLONG end = GetTickCount64() + 10'000;
