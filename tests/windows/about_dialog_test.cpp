@@ -53,23 +53,4 @@ TEST_F(AboutDialogTest, LinksOpenWhatTheyShow) {
   EXPECT_TRUE(IsWindowVisible(dialog.Window()));
 }
 
-TEST_F(AboutDialogTest, ALinkThatCannotBeOpenedIsNoMatter) {
-  const ShellRecorder shell(ERROR_FILE_NOT_FOUND);
-  const OpenedDialog dialog(window_, COMMAND_ABOUT);
-  dialog.Click(ABOUT_FIRST_LINK);
-  EXPECT_EQ(shell.Starts().size(), 1u);
-  EXPECT_TRUE(IsWindowVisible(dialog.Window()));
-}
-
-TEST_F(AboutDialogTest, TabReachesEveryButton) {
-  const OpenedDialog dialog(window_, COMMAND_ABOUT);
-  std::vector<int> visited;
-  for (int i = 0; i < 6; ++i) {
-    visited.push_back(dialog.Focus());
-    dialog.PressKey(VK_TAB);
-  }
-  EXPECT_EQ(visited, (std::vector<int>{IDOK, ABOUT_FIRST_LINK, ABOUT_FIRST_LINK + 1, ABOUT_FIRST_LINK + 2,
-                                       ABOUT_LAST_LINK, IDOK}));
-}
-
 }  // namespace

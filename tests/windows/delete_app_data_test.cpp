@@ -90,35 +90,9 @@ TEST_F(DeleteAppDataTest, RemovesSettingsAndBothFolders) {
   EXPECT_TRUE(IsWindow(window_.Window()));
 }
 
-TEST_F(DeleteAppDataTest, NamesAFolderOnce) {
-  app.tmpPath.Set(app.dataDir);
-  const auto boxes = Choose({IDYES, IDOK});
-  EXPECT_EQ(boxes[0].text, Question({app.dataDir}));
-  EXPECT_FALSE(PathExists(app.dataDir));
-  EXPECT_TRUE(PathExists(folder_ / L"downloads\\game.zip"));
-}
-
-TEST_F(DeleteAppDataTest, ComparesFoldersByTheirLetters) {
-  const std::wstring otherCase = folder_ / L"ZENDORA\\Installer";
-  app.tmpPath.Set(otherCase);
-  const auto boxes = Choose({IDNO});
-  EXPECT_EQ(boxes[0].text, Question({app.dataDir, otherCase}));
-}
-
 TEST_F(DeleteAppDataTest, DoesNothingWithoutAYes) {
   Choose({IDNO});
   ExpectNothingDeleted();
-}
-
-TEST_F(DeleteAppDataTest, WhatIsMissingOrInUseIsNoMatter) {
-  RegDeleteTreeW(HKEY_LOCAL_MACHINE, app.registryKeyPath.c_str());
-  const FileHandle user(CreateFileW((app.dataDir + L"\\manifest.xml").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-  app.tmpPath.Set(folder_ / L"absent");
-  EXPECT_EQ(Choose({IDYES, IDOK}).size(), 2u);
-  EXPECT_FALSE(HasSettings(HKEY_CURRENT_USER));
-  EXPECT_TRUE(PathExists(app.dataDir + L"\\manifest.xml"));
-  EXPECT_FALSE(PathExists(app.dataDir + L"\\sub"));
 }
 
 TEST_F(DeleteAppDataTest, NextStartIsAFirstStart) {

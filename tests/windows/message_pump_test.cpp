@@ -55,20 +55,4 @@ TEST_F(MessagePump, HandsTheDialogItsKeys) {
   EXPECT_EQ(GetWindowLongPtrW(dialog_, DWLP_USER), 1);
 }
 
-TEST_F(MessagePump, ReturnsWithTheWork) {
-  int runs = 0;
-  for (int i = 0; i < 50; ++i) RunWhileServing(dialog_, [&runs] { ++runs; });
-  EXPECT_EQ(runs, 50);
-}
-
-TEST_F(MessagePump, WaitsAndServes) {
-  std::atomic<bool> answered = false;
-  const ULONGLONG start = GetTickCount64();
-  std::thread other([&] { answered = Answers(); });
-  WaitWhileServing(dialog_, 300);
-  EXPECT_GE(GetTickCount64() - start, 300u);
-  other.join();
-  EXPECT_TRUE(answered);
-}
-
 }  // namespace

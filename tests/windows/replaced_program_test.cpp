@@ -36,15 +36,6 @@ class ReplacedProgram : public testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(ReplacedProgram, IsRemovedAfterAnUpdate) {
-  WriteTestFile(app.exePath, "new");
-  WriteTestFile(app.backupPath, "old");
-  RemoveReplacedProgram();
-  EXPECT_FALSE(PathExists(app.backupPath));
-  EXPECT_EQ(ReadTestFile(app.exePath), "new");
-  RemoveReplacedProgram();  // nothing is there, and nothing happens
-}
-
 TEST_F(ReplacedProgram, IsRemovedWhenItHasEnded) {
   WriteTestFile(app.backupPath, "old");
   FileHandle running = HoldCopy();
@@ -56,17 +47,6 @@ TEST_F(ReplacedProgram, IsRemovedWhenItHasEnded) {
   RemoveReplacedProgram();
   EXPECT_FALSE(PathExists(app.backupPath));
   end.join();
-}
-
-TEST_F(ReplacedProgram, IsNotWaitedForLong) {
-  WriteTestFile(app.backupPath, "old");
-  const FileHandle running = HoldCopy();
-  const ULONGLONG start = GetTickCount64();
-  RemoveReplacedProgram();
-  const ULONGLONG waited = GetTickCount64() - start;
-  EXPECT_TRUE(PathExists(app.backupPath));
-  EXPECT_GE(waited, 900u);
-  EXPECT_LE(waited, 5000u);
 }
 
 TEST_F(ReplacedProgram, TakesItsPlaceAgainWhenItIsStarted) {
@@ -94,16 +74,6 @@ TEST_F(ReplacedProgram, TakesItsPlaceAgainWhenItIsStarted) {
     EXPECT_EQ(ReadTestFile(app.exePath), "whole");
     EXPECT_FALSE(PathExists(app.backupPath));
   }
-}
-
-TEST_F(ReplacedProgram, StaysWhereItIsWhenItsPlaceIsTaken) {
-  app.exePath = folder_ / L"setup.exe.backup";
-  app.backupPath = app.exePath + L".backup";
-  WriteTestFile(app.exePath, "whole");
-  EXPECT_EQ(CreateDirectories(folder_ / L"setup.exe"), 0u);
-  RestoreReplacedProgram();
-  EXPECT_EQ(app.exePath, folder_ / L"setup.exe.backup");
-  EXPECT_TRUE(PathExists(app.exePath));
 }
 
 TEST_F(ReplacedProgram, IsRemovedLaterWhenThisIsTheNewOne) {

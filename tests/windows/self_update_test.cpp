@@ -153,13 +153,6 @@ TEST_F(SelfUpdate, DownloadsChecksReplacesAndRelaunches) {
   EXPECT_EQ(RequestsOf("/second"), 0u);
 }
 
-TEST_F(SelfUpdate, ReplacesAnOlderCopy) {
-  WriteTestFile(app.backupPath, "an even older program");
-  server_.Answer("/first", Body(kNewProgram));
-  Update(Announce({kFirst}));
-  ExpectReplaced();
-}
-
 TEST_F(SelfUpdate, UsesWhatAnEarlierAttemptHasBrought) {
   WriteTestFile(UpdateFilePath(), kNewProgram);
   Update(Announce({kFirst}));
@@ -183,15 +176,6 @@ TEST_F(SelfUpdate, TriesOneAddressAfterTheOther) {
   std::vector<std::string> asked;
   for (const RecordedRequest& request : server_.Requests()) asked.push_back(request.target);
   EXPECT_EQ(asked, (std::vector<std::string>{"/another-file", "/nothing", "/missing", "/cut-short", "/second"}));
-}
-
-// No range: what lies there may belong to another version.
-TEST_F(SelfUpdate, AlwaysDownloadsTheWholeFile) {
-  WriteTestFile(UpdateFilePath(), "The quick");
-  server_.Answer("/first", Body(kNewProgram));
-  Update(Announce({kFirst}));
-  ExpectReplaced();
-  EXPECT_EQ(server_.RequestsOf("/first")[0].headers.count("range"), 0u);
 }
 
 class SelfUpdateFailure : public SelfUpdate, public testing::WithParamInterface<int> {};
@@ -224,20 +208,6 @@ TEST_P(SelfUpdateFailure, TellsWhereToGetTheProgram) {
 }
 INSTANTIATE_TEST_SUITE_P(, SelfUpdateFailure, testing::Range(0, 5));
 
-TEST_F(SelfUpdate, OpensTheHelpPageOnRequest) {
-  ExpectGivenUp(Update(Announce({}, "http://help.example/"), {IDYES}), PromptText(L"http://help.example/"));
-  ASSERT_EQ(shell_.Starts().size(), 1u);
-  EXPECT_EQ(shell_.Starts()[0].file, L"http://help.example/");
-}
-
-TEST_F(SelfUpdate, BridgesAnOutage) {
-  server_.Answer("/first", Body(kNewProgram));
-  const SendFaults outage({kErrorCannotConnect, kErrorNameNotResolved, kErrorTimeout, kErrorConnectionReset});
-  Update(Announce({kFirst}));
-  ExpectReplaced();
-  EXPECT_EQ(pauses, 4);
-}
-
 TEST_F(SelfUpdate, GivesAnAddressUpAfterSixtyRetries) {
   server_.Answer("/second", Body(kNewProgram));
   const SendFaults outage(std::deque<DWORD>(61, kErrorCannotConnect));
@@ -246,13 +216,6 @@ TEST_F(SelfUpdate, GivesAnAddressUpAfterSixtyRetries) {
   EXPECT_EQ(pauses, 60);
   EXPECT_EQ(RequestsOf("/first"), 0u);
   EXPECT_EQ(RequestsOf("/second"), 1u);
-}
-
-TEST_F(SelfUpdate, TellsTheErrorOfTheLastAddress) {
-  constexpr DWORD kInvalidServerResponse = 12152;
-  const SendFaults fault({kInvalidServerResponse});
-  ExpectGivenUp(Update(Announce({kFirst}), {IDNO}), L"Error: 12152\n\n" + PromptText(L"http://zendora.example/first"));
-  EXPECT_EQ(pauses, 0);
 }
 
 constexpr wchar_t kPermissionQuestion[] = L"Fix permissions?";
@@ -289,26 +252,6 @@ TEST_F(SelfUpdate, RepairsPermissionsOnRequest) {
   ExpectReplaced();
 }
 
-TEST_F(SelfUpdate, GoesOnWithoutRepair) {
-  DenyUpdateFile();
-  server_.Answer("/first", Body(kNewProgram));
-  server_.Answer("/second", Body(kNewProgram));
-  const ReplacedImport repair(importedShellExecuteEx, RefuseToRepair);
-  const auto boxes = Update(Announce({kFirst, kSecond}), {IDNO, IDYES, IDNO});
-  ASSERT_EQ(boxes.size(), 3u);
-  ExpectGivenUp(boxes, PromptText(L"http://zendora.example/first", ERROR_ACCESS_DENIED));
-  EXPECT_EQ(RequestsOf("/first"), 1u);
-  EXPECT_EQ(RequestsOf("/second"), 1u);
-}
-
-TEST_F(SelfUpdate, LeavesAProgramThatCannotBeMoved) {
-  server_.Answer("/first", Body(kNewProgram));
-  const FileHandle user(CreateFileW(app.exePath.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr));
-  ExpectGivenUp(Update(Announce({kFirst}), {IDNO}),
-                PromptText(L"http://zendora.example/first", ERROR_SHARING_VIOLATION));
-}
-
 // The copy fails on a full disk, halfway.
 BOOL WINAPI FailToCopy(const wchar_t*, const wchar_t* target, BOOL) {
   EXPECT_EQ(ReadTestFile(app.backupPath), "the old program");
@@ -334,18 +277,6 @@ BOOL WINAPI CloseBeforeCopy(const wchar_t* source, const wchar_t* target, BOOL f
   while (app.currentPage != ClosingPage && GetTickCount64() < end) Sleep(5);
   closingPageShown = app.currentPage == ClosingPage && IsWindow(app.mainWindow);
   return realCopyFile(source, target, failIfExists);
-}
-
-TEST_F(SelfUpdate, AClosedWindowWaitsForTheNewProgramAndStaysClosed) {
-  server_.Answer("/first", Body(kNewProgram));
-  realCopyFile = importedCopyFile;
-  closingPageShown = false;
-  const ReplacedImport copy(importedCopyFile, CloseBeforeCopy);
-  Update(Announce({kFirst}));
-  EXPECT_TRUE(closingPageShown);
-  EXPECT_TRUE(window_.WaitUntilClosed());
-  EXPECT_EQ(ReadTestFile(app.exePath), kNewProgram);
-  EXPECT_TRUE(shell_.Starts().empty()) << "who has closed the program doesn't want it back";
 }
 
 class StalledUpdate : public SelfUpdate {
@@ -394,13 +325,6 @@ TEST_F(StalledUpdate, ShowsHowFarItIsAndAnswers) {
   EXPECT_TRUE(window_.WaitUntilClosed());
   EXPECT_EQ(ReadTestFile(app.exePath), newProgram_);
   EXPECT_FALSE(IsWindow(dialog_)) << "it ends with its thread";
-}
-
-// In the program the process ends with its window, and the update with it.
-TEST_F(StalledUpdate, DoesNotKeepTheMainWindowOpen) {
-  PostMessageW(window_.Window(), WM_CLOSE, 0, 0);
-  EXPECT_TRUE(window_.WaitUntilClosed());
-  EXPECT_FALSE(IsWindow(window_.Window()));
 }
 
 }  // namespace

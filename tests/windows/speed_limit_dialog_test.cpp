@@ -58,20 +58,6 @@ class SpeedLimitDialogTest : public testing::Test {
   TestWindow window_{CreateProgramWindow};
 };
 
-TEST_F(SpeedLimitDialogTest, SpeaksTheUsersLanguage) {
-  for (const uint32_t language : {LANG_ENGLISH, LANG_RUSSIAN}) {
-    window_.Run([&] { SetThreadLanguage(language); });
-    SetThreadLanguage(language);
-    const SpeedLimit dialog(window_);
-    EXPECT_EQ(TextOf(dialog.Window()), LoadLocalizedString(STR_SPEED_LIMIT));
-    EXPECT_EQ(dialog.Text(IDOK), LoadLocalizedString(STR_OK));
-    EXPECT_EQ(dialog.Text(SPEED_RESET), LoadLocalizedString(STR_RESET));
-    EXPECT_EQ(dialog.Text(IDCANCEL), LoadLocalizedString(STR_CANCEL));
-    EXPECT_EQ(dialog.Text(-1), L"KB/s");
-  }
-  SetThreadLanguage(LANG_ENGLISH);
-}
-
 TEST_F(SpeedLimitDialogTest, ShowsTheLimit) {
   const struct {
     uint32_t limit;
@@ -109,19 +95,6 @@ TEST_F(SpeedLimitDialogTest, ReleasingTheSliderAtTheEndRaisesTheScale) {
   dialog.Release();
 }
 
-TEST_F(SpeedLimitDialogTest, SliderWorksWithKeys) {
-  const SpeedLimit dialog(window_);
-  SendMessageW(dialog.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(dialog.Item(SPEED_TRACKBAR)), TRUE);
-  dialog.PressKey(VK_END);
-  EXPECT_EQ(dialog.Edit(), L"1000");
-  EXPECT_EQ(dialog.Slider(), 10);
-  dialog.PressKey(VK_RIGHT);
-  EXPECT_EQ(dialog.Edit(), L"1100");
-  dialog.PressKey(VK_HOME);
-  EXPECT_EQ(dialog.Edit(), L"");
-  EXPECT_EQ(dialog.Slider(), 0);
-}
-
 TEST_F(SpeedLimitDialogTest, SliderFollowsTheEdit) {
   const struct {
     const wchar_t* typed;
@@ -156,28 +129,6 @@ TEST_F(SpeedLimitDialogTest, OkTakesWhatWasTyped) {
   }
 }
 
-TEST_F(SpeedLimitDialogTest, OkSetsTheLimitOfRunningDownloads) {
-  const SpeedLimit dialog(window_);
-  dialog.Type(SPEED_EDIT, L"64");
-  dialog.PressKey(VK_RETURN);
-  ASSERT_TRUE(dialog.WaitUntilClosed());
-  EXPECT_EQ(app.speedLimitBytes, 65'536u);
-}
-
-TEST_F(SpeedLimitDialogTest, CancelChangesNothing) {
-  SetLimit(2500);
-  for (const WPARAM way : {IDCANCEL, VK_ESCAPE}) {
-    const SpeedLimit dialog(window_);
-    dialog.Type(SPEED_EDIT, L"64");
-    if (way == IDCANCEL) dialog.Click(IDCANCEL);
-    if (way == VK_ESCAPE) dialog.PressKey(VK_ESCAPE);
-    ASSERT_TRUE(dialog.WaitUntilClosed());
-    EXPECT_EQ(app.maxDownloadSpeedKB, 2500u);
-    EXPECT_EQ(app.speedLimitBytes, 2500u * 1024);
-    EXPECT_EQ(SavedLimit(), std::nullopt);
-  }
-}
-
 TEST_F(SpeedLimitDialogTest, ResetOnlyEmptiesTheDialog) {
   SetLimit(2500);
   const SpeedLimit dialog(window_);
@@ -199,30 +150,6 @@ TEST_F(SpeedLimitDialogTest, ResetOnlyEmptiesTheDialog) {
   EXPECT_EQ(app.maxDownloadSpeedKB, 0u);
   EXPECT_EQ(app.speedLimitBytes, 0u);
   EXPECT_EQ(SavedLimit(), 0u);
-}
-
-// A drag that the end of a dialog cut off is over at the next release, whichever dialog that is in.
-TEST_F(SpeedLimitDialogTest, DragOutlivesTheDialog) {
-  {
-    const SpeedLimit dialog(window_);
-    dialog.Drag(30);
-    dialog.PressKey(VK_ESCAPE);
-    ASSERT_TRUE(dialog.WaitUntilClosed());
-  }
-  const SpeedLimit dialog(window_);
-  dialog.Type(SPEED_EDIT, L"500");
-  EXPECT_EQ(dialog.Slider(), 0);
-  dialog.Release();
-  dialog.Type(SPEED_EDIT, L"500");
-  EXPECT_EQ(dialog.Slider(), 50);
-}
-
-TEST_F(SpeedLimitDialogTest, TabReachesEveryControl) {
-  const SpeedLimit dialog(window_);
-  for (const int control : {SPEED_TRACKBAR, SPEED_EDIT, IDOK, SPEED_RESET, IDCANCEL, SPEED_TRACKBAR}) {
-    EXPECT_EQ(dialog.Focus(), control);
-    dialog.PressKey(VK_TAB);
-  }
 }
 
 }  // namespace

@@ -25,36 +25,6 @@ class UpdateDialogTest : public testing::Test {
   HWND dialog_ = nullptr;
 };
 
-TEST_F(UpdateDialogTest, IsCreatedHiddenAndOwnedByTheMainWindow) {
-  Create(0);
-  ASSERT_TRUE(dialog_);
-  EXPECT_FALSE(IsWindowVisible(dialog_));
-  EXPECT_EQ(GetWindow(dialog_, GW_OWNER), window_.Window());
-  EXPECT_TRUE(IsWindowEnabled(window_.Window()));
-  for (const int control : {UPDATE_STATUS, UPDATE_RECEIVED, UPDATE_TOTAL}) EXPECT_EQ(Text(control), L"");
-}
-
-TEST_F(UpdateDialogTest, CannotBeClosedByItsUser) {
-  Create(0);
-  SendMessageW(dialog_, WM_SYSCOMMAND, SC_CLOSE, 0);
-  SendMessageW(dialog_, WM_CLOSE, 0, 0);
-  SendMessageW(dialog_, WM_COMMAND, IDCANCEL, 0);
-  MSG message;
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-  EXPECT_TRUE(IsWindow(dialog_));
-}
-
-TEST_F(UpdateDialogTest, ShowsStatusInTheUsersLanguage) {
-  Create(0);
-  SetThreadLanguage(LANG_GERMAN);
-  ShowUpdateStatus(STR_DOWNLOADING_UPDATE);
-  EXPECT_EQ(Text(UPDATE_STATUS), LoadLocalizedString(STR_DOWNLOADING_UPDATE));
-  SetThreadLanguage(LANG_ENGLISH);
-  EXPECT_NE(Text(UPDATE_STATUS), L"Downloading update");
-  ShowUpdateStatus(STR_INSTALLING_UPDATE);
-  EXPECT_EQ(Text(UPDATE_STATUS), L"Installing update");
-}
-
 TEST_F(UpdateDialogTest, ShowsSizesAndProgress) {
   const uint64_t gigabyte = uint64_t{1} << 30;
   const struct {
@@ -89,17 +59,6 @@ TEST_F(UpdateDialogTest, ShowsSizesAndProgress) {
     EXPECT_FALSE(progress.cancel);
     DestroyWindow(dialog_);
   }
-}
-
-TEST_F(UpdateDialogTest, ClearsWhatAnAttemptHasShown) {
-  Create(1000);
-  DownloadProgress progress{.downloaded = 500};
-  OnUpdateDownloadProgress(&progress);
-  ASSERT_EQ(Percent(), 50);
-  ClearUpdateDisplay();
-  EXPECT_EQ(Percent(), 0);
-  EXPECT_EQ(Text(UPDATE_RECEIVED), L"");
-  EXPECT_EQ(Text(UPDATE_TOTAL), L"");
 }
 
 }  // namespace
