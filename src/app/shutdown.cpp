@@ -14,6 +14,7 @@ namespace {
 constexpr uint32_t kInsistentCloseAttempts = 5;
 
 std::wstring RelaunchCommandLine() {
+  if (app.restartDropsCommandLine) app.commandLine.clear();
   const wchar_t* separator = app.restartArgs.empty() || app.commandLine.empty() ? L"" : L" ";
   return app.restartArgs + separator + app.commandLine;
 }
