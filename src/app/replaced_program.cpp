@@ -24,7 +24,8 @@ std::wstring UpdateFilePath() { return JoinPath(*app.tmpPath.Get(), L"launcher.u
 void RemoveReplacedProgram() {
   constexpr int kTries = 20;
   constexpr DWORD kPauseMs = 50;
-  for (int i = 0; i < kTries && !DeleteFileW(app.backupPath.c_str()); ++i) {
+  const int tries = app.mainWindow ? 1 : kTries;  // a window must not freeze meanwhile
+  for (int i = 0; i < tries && !DeleteFileW(app.backupPath.c_str()); ++i) {
     const DWORD error = GetLastError();
     if (error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) return;
     Sleep(kPauseMs);

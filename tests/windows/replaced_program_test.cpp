@@ -58,6 +58,8 @@ TEST_F(ReplacedProgram, TakesItsPlaceAgainWhenItIsStarted) {
   } cases[] = {
       {"ended before the new one was there", L"setup.exe.backup", std::nullopt, L"setup.exe", L"setup.exe.backup"},
       {"ended while the new one was copied", L"setup.exe.backup", "half", L"setup.exe", L"setup.exe.backup"},
+      {"beside the whole new one", L"setup.exe.backup", "the new program", L"setup.exe.backup",
+       L"setup.exe.backup.backup"},
       {"the program itself", L"setup.exe", std::nullopt, L"setup.exe", L"setup.exe.backup"},
       {"another name", L"backup.exe", "other", L"backup.exe", L"backup.exe.backup"},
   };
@@ -68,6 +70,8 @@ TEST_F(ReplacedProgram, TakesItsPlaceAgainWhenItIsStarted) {
     app.backupPath = app.exePath + L".backup";
     if (test.inPlace) WriteTestFile(folder / L"setup.exe", *test.inPlace);
     WriteTestFile(app.exePath, "whole");
+    app.tmpPath.Set(folder.Path());
+    WriteTestFile(UpdateFilePath(), "the new program");
     RestoreReplacedProgram();
     EXPECT_EQ(app.exePath, folder / test.runsAs);
     EXPECT_EQ(app.backupPath, folder / test.backup);

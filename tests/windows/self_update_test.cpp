@@ -206,7 +206,7 @@ TEST_P(SelfUpdateFailure, TellsWhereToGetTheProgram) {
   EXPECT_EQ(server_.Requests().size(), test.requests);
   EXPECT_TRUE(shell_.Starts().empty());
 }
-INSTANTIATE_TEST_SUITE_P(, SelfUpdateFailure, testing::Range(0, 5));
+INSTANTIATE_TEST_SUITE_P(Each, SelfUpdateFailure, testing::Range(0, 5));
 
 TEST_F(SelfUpdate, GivesAnAddressUpAfterSixtyRetries) {
   server_.Answer("/second", Body(kNewProgram));
@@ -230,12 +230,6 @@ BOOL WINAPI RepairByRemoving(SHELLEXECUTEINFOW* info) {
   RemoveDirectoryW(UpdateFilePath().c_str());
   info->hProcess = CreateEventW(nullptr, TRUE, TRUE, nullptr);
   return TRUE;
-}
-
-BOOL WINAPI RefuseToRepair(SHELLEXECUTEINFOW* info) {
-  info->hProcess = nullptr;
-  SetLastError(ERROR_CANCELLED);
-  return FALSE;
 }
 
 TEST_F(SelfUpdate, RepairsPermissionsOnRequest) {
@@ -264,19 +258,6 @@ TEST_F(SelfUpdate, MovesTheProgramBackWhenTheNewOneCannotBeCopied) {
   server_.Answer("/first", Body(kNewProgram));
   const ReplacedImport copy(importedCopyFile, FailToCopy);
   ExpectGivenUp(Update(Announce({kFirst}), {IDNO}), PromptText(L"http://zendora.example/first", ERROR_DISK_FULL));
-}
-
-// Between the two steps the program's place is empty, and a process that ended there would leave it so.
-bool closingPageShown;
-decltype(&CopyFileW) realCopyFile;
-
-BOOL WINAPI CloseBeforeCopy(const wchar_t* source, const wchar_t* target, BOOL failIfExists) {
-  EXPECT_FALSE(PathExists(target));
-  PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
-  const ULONGLONG end = GetTickCount64() + 10'000;
-  while (app.currentPage != ClosingPage && GetTickCount64() < end) Sleep(5);
-  closingPageShown = app.currentPage == ClosingPage && IsWindow(app.mainWindow);
-  return realCopyFile(source, target, failIfExists);
 }
 
 class StalledUpdate : public SelfUpdate {
