@@ -61,7 +61,7 @@ struct AppContext {
   SharedValue<std::wstring> tmpPath;      // also written by the UI thread's folder picker; read by all threads
   SharedValue<std::wstring> installPath;  // likewise
   std::wstring manifestPath;              // the cache of the manifest, in the tmpPath of start-up
-  std::wstring commandLine;               // the last one received; UI thread (and the self-update before it closes)
+  std::wstring commandLine;               // the last one received; UI thread
 
   // Options and selection
   SharedWord<uint32_t> uiLanguage{LANG_ENGLISH};      // primary language identifier; written by the UI thread
@@ -90,6 +90,7 @@ struct AppContext {
   // A relaunch that the main window performs when it is destroyed. Written by the UI thread, or by the manifest
   // thread right before it posts WM_CLOSE.
   SharedWord<bool> restartRequested, restartElevated;
+  SharedWord<bool> restartDropsCommandLine;  // the new process gets restartArgs only
   std::wstring restartArgs;
   SharedWord<bool> updateInProgress;   // set by LoadManifest, never cleared; read by the UI thread
   SharedWord<bool> selectionFromUser;  // installList came from the checked rows; UI thread, read by the worker

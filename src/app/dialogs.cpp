@@ -8,6 +8,10 @@ void CenterOverOwner(HWND dialog) {
   if (!owner) owner = app.mainWindow;
   RECT over, own;
   if (!GetWindowRect(owner, &over) || !GetWindowRect(dialog, &own)) return;
+  // A minimised window stands far outside the screen.
+  WINDOWPLACEMENT placement = {};
+  placement.length = sizeof placement;
+  if (IsIconic(owner) && GetWindowPlacement(owner, &placement)) over = placement.rcNormalPosition;
   const int x = over.left + ((over.right - over.left) - (own.right - own.left)) / 2;
   const int y = over.top + ((over.bottom - over.top) - (own.bottom - own.top)) / 2;
   SetWindowPos(dialog, HWND_TOP, x, y, 0, 0, SWP_NOSIZE);

@@ -60,9 +60,9 @@ int RunProgram(HINSTANCE instance, const std::wstring& commandLine, int showComm
   if (!ClaimSingleInstance(commandLine)) return 0;
   SetApplicationId();
   ProbeEnvironment();
-  RestoreReplacedProgram();
   if (!commandLine.empty()) ParseCommandLine(commandLine);
   LoadSettings();
+  RestoreReplacedProgram();
   SetThreadLanguage(app.uiLanguage);
   SetupDarkMode();
   RegisterMainWindowClass(instance);

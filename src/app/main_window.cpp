@@ -100,7 +100,12 @@ bool OnMenuCommand(HWND window, int id) {
       AboutDialog();
       return true;
     case COMMAND_EXIT:
-      DestroyWindow(window);
+      // The process must not end while an update has replaced half of the program; a close request waits for that.
+      if (app.updateInProgress) {
+        PostMessageW(window, WM_CLOSE, 0, 0);
+      } else {
+        DestroyWindow(window);
+      }
       return true;
     case COMMAND_TEMP_FOLDER:
       BrowseForPath(window, BrowseMode::TempFolder);

@@ -11,6 +11,12 @@ namespace {
 
 constexpr std::wstring_view kBackupSuffix = L".backup";
 
+// The update was interrupted while it copied the new program there.
+bool IsUnfinishedCopy(const std::wstring& program) {
+  const std::string whole = ComputeFileMd5(UpdateFilePath(), nullptr);
+  return !whole.empty() && ComputeFileMd5(program, nullptr) != whole;
+}
+
 }  // namespace
 
 std::wstring UpdateFilePath() { return JoinPath(*app.tmpPath.Get(), L"launcher.update"); }
@@ -18,7 +24,8 @@ std::wstring UpdateFilePath() { return JoinPath(*app.tmpPath.Get(), L"launcher.u
 void RemoveReplacedProgram() {
   constexpr int kTries = 20;
   constexpr DWORD kPauseMs = 50;
-  for (int i = 0; i < kTries && !DeleteFileW(app.backupPath.c_str()); ++i) {
+  const int tries = app.mainWindow ? 1 : kTries;  // a window must not freeze meanwhile
+  for (int i = 0; i < tries && !DeleteFileW(app.backupPath.c_str()); ++i) {
     const DWORD error = GetLastError();
     if (error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) return;
     Sleep(kPauseMs);
@@ -28,6 +35,7 @@ void RemoveReplacedProgram() {
 void RestoreReplacedProgram() {
   if (!app.exePath.ends_with(kBackupSuffix)) return;
   const std::wstring program = app.exePath.substr(0, app.exePath.size() - kBackupSuffix.size());
+  if (PathExists(program) && !IsUnfinishedCopy(program)) return;
   if (!MoveFileExW(app.exePath.c_str(), program.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return;
   app.backupPath = app.exePath;
   app.exePath = program;

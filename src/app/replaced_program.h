@@ -11,7 +11,7 @@ std::wstring UpdateFilePath();
 void RemoveReplacedProgram();
 
 // Where an update was interrupted between its two steps, the copy is all that is left; started under its own name, it
-// takes the program's place again. To be called before app.exePath is used.
+// takes the program's place again, unless a whole program stands there. To be called when the settings are loaded.
 void RestoreReplacedProgram();
 
 // Removes the copy that an update left when the program was ended before it could relaunch: this program is then the

@@ -14,6 +14,7 @@ namespace {
 constexpr uint32_t kInsistentCloseAttempts = 5;
 
 std::wstring RelaunchCommandLine() {
+  if (app.restartDropsCommandLine) app.commandLine.clear();
   const wchar_t* separator = app.restartArgs.empty() || app.commandLine.empty() ? L"" : L" ";
   return app.restartArgs + separator + app.commandLine;
 }
@@ -51,7 +52,10 @@ void OnDestroy() {
   DeleteThemeBrushes();
   if (app.instanceMutex) ReleaseMutex(app.instanceMutex.Get());
   app.instanceMutex.Reset();
-  if (app.restartRequested) RunProcess(app.restartElevated, true, app.exePath, RelaunchCommandLine());
+  // Once: what starts the program serves messages, and another close request may be among them.
+  const bool relaunch = app.restartRequested;
+  app.restartRequested = false;
+  if (relaunch) RunProcess(app.restartElevated, true, app.exePath, RelaunchCommandLine());
   // Last, because a pending WM_QUIT would close the box that reports a failed relaunch before it is read.
   PostQuitMessage(0);
 }

@@ -6,6 +6,7 @@
 
 #include "app/context.h"
 #include "app/localization.h"
+#include "system/files.h"
 
 namespace {
 
@@ -45,7 +46,7 @@ void TellOtherInstanceStays() {
   SetThreadLanguage(app.uiLanguage);
   MessageBoxW(nullptr, LoadLocalizedString(STR_ANOTHER_INSTANCE).c_str(), LoadLocalizedString(STR_ERROR).c_str(),
               MB_ICONERROR);
-  ShellExecuteW(nullptr, nullptr, L"taskmgr.exe", L" /7", nullptr, SW_SHOWDEFAULT);
+  ShellExecuteW(nullptr, nullptr, SystemFilePath(L"taskmgr.exe").c_str(), L" /7", nullptr, SW_SHOWDEFAULT);
 }
 
 }  // namespace

@@ -104,6 +104,8 @@ INT_PTR CALLBACK SpeedLimitProc(HWND dialog, UINT message, WPARAM wParam, LPARAM
       return TRUE;
     case WM_THEMECHANGED:
       DialogThemeChanged(dialog);
+      // The slider keeps a picture of its background until it is told that colours have changed.
+      SendDlgItemMessageW(dialog, SPEED_TRACKBAR, WM_THEMECHANGED, 0, 0);
       ThemeUnstyledControl(GetDlgItem(dialog, SPEED_EDIT));
       return TRUE;
     default:

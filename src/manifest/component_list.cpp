@@ -110,11 +110,16 @@ void FillList(HWND list, const Manifest& manifest) {
 void PopulateComponentList() {
   const ComponentsPageControls* page = ShownPage();
   if (!page) return;
-  SetThreadLanguage(app.uiLanguage);  // the user may have changed it since this thread started
   app.upward.buildMainMenu();
   FillList(page->itemsView, *CurrentManifest());
   listReady = true;
-  UpdateTotalSize();
+  // The user may have chosen another language since this thread started, or does so now.
+  const uint32_t ownLanguage = ThreadLanguage();
+  do {
+    SetThreadLanguage(app.uiLanguage);
+    UpdateTotalSize();
+  } while (ThreadLanguage() != app.uiLanguage);
+  SetThreadLanguage(ownLanguage);
   EnableWindow(page->installButton.Window(), TRUE);
 }
 

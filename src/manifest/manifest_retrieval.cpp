@@ -73,11 +73,10 @@ HWND InstallButton() {
   return page ? page->installButton.Window() : nullptr;
 }
 
-// Once the list is filled the user may press Install, which fills app.installList and replaces the page. What the
-// command line asked for, and the button to press for it, are therefore settled before.
+// Once the list is filled the user may press Install, which fills app.installList too and replaces the page. The button
+// to press for the command line is therefore taken before.
 void LoadAndShow() {
   const int packages = LoadManifest(false);
-  const bool startRequested = !app.installList.Get()->empty();
   const HWND installButton = InstallButton();
   if (packages > 0) {
     RemoveForgottenCopy();
@@ -86,6 +85,7 @@ void LoadAndShow() {
     return;
   }
   if (ManifestCacheSaveFailed()) OfferRepairOfCache();
+  const bool startRequested = !app.installList.Get()->empty() && !app.selectionFromUser;
   if (startRequested && !app.updateInProgress) SendMessageW(installButton, BM_CLICK, 0, 0);
 }
 
@@ -103,7 +103,8 @@ bool FetchManifest() {
   manifestBuffer.clear();
   const HttpResult result = HttpClient().GetToStream(BuildManifestUrl(), manifestBuffer);
   SetLastError(result.error);
-  return result.received != 0;
+  // A body that was begun, dropped and then refused counts as received, too.
+  return result.received != 0 && !manifestBuffer.empty();
 }
 
 DWORD WINAPI ManifestThreadProc(void*) {

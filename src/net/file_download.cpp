@@ -1,5 +1,8 @@
 // HttpClient::DownloadToFile: a response body goes into a file, chunk by chunk.
 #include "net/http_client.h"
+
+#include <algorithm>
+
 #include "net/http_request.h"
 #include "net/network_errors.h"
 
@@ -69,7 +72,6 @@ void HttpClient::ReceiveIntoFile(HINTERNET request, HANDLE file, DownloadProgres
     if (ReadChunk(request, chunk, result)) {
       if (!StoreChunk(file, chunk, result)) return;
       progress.downloaded += chunk.size;
-      progress.total = result.total;
       progress.speedLimit = speedLimit_;
       if (callback) callback(&progress);
       if (progress.cancel) {
@@ -80,6 +82,7 @@ void HttpClient::ReceiveIntoFile(HINTERNET request, HANDLE file, DownloadProgres
       Throttle(limiter, chunk.size);
     } else if (gzipEnabled_ && result.error == kErrorDecodingFailed) {
       if (!EmptyFile(file, result) || !SendAgainWithoutGzip(request, result)) return;
+      progress.total = std::max(progress.total, result.total);
     } else {
       return;
     }

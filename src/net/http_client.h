@@ -1,4 +1,4 @@
-// GET requests over WinINet. Every call blocks its thread; an instance belongs to the thread that made it.
+// GET requests over WinINet. Every call blocks its thread; an instance serves one thread at a time.
 #pragma once
 
 #include <cstdint>

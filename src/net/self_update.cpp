@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <deque>
 
 #include "app/context.h"
@@ -95,11 +96,19 @@ uint32_t ReplaceProgram(const std::wstring& newFile) {
   return error;
 }
 
+// A window that is closed from now on waits, as for a worker: the process must not end between the two steps of the
+// replacement. False when it closes already.
+bool HoldWindow() {
+  app.installRunning = true;
+  std::atomic_thread_fence(std::memory_order_seq_cst);  // the counterpart is in OnCloseRequest
+  if (app.closeAttempts == 0) return true;
+  app.installRunning = false;
+  return false;
+}
+
 bool Install(Update& update) {
   ShowUpdateProgress(100);
   ShowUpdateStatus(STR_INSTALLING_UPDATE);
-  // A window that is closed now waits, as for a worker: the process must not end between the two steps.
-  app.installRunning = true;
   RunWhileServing(update.dialog, [&] { update.error = ReplaceProgram(update.file); });
   app.installRunning = false;
   return update.error == ERROR_SUCCESS;
@@ -108,7 +117,7 @@ bool Install(Update& update) {
 // Who has closed the window meanwhile doesn't want to see the program again.
 void Relaunch() {
   app.restartArgs = L"updated";
-  app.commandLine.clear();
+  app.restartDropsCommandLine = true;
   app.restartRequested = app.closeAttempts == 0;
   PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
 }
@@ -132,9 +141,8 @@ void RunSelfUpdate(const UpdaterInfo& announced) {
   ShowUpdateStatus(STR_DOWNLOADING_UPDATE);
 
   Update update{dialog, UpdateFilePath(), announced.md5, WidenBytes(announced.helpURL), {}};
-  if (ObtainFile(update, announced.urls) && Install(update)) {
-    Relaunch();
-  } else {
-    GiveUp(update);
-  }
+  if (!ObtainFile(update, announced.urls)) return GiveUp(update);
+  if (!HoldWindow()) return;
+  if (!Install(update)) return GiveUp(update);
+  Relaunch();
 }

@@ -71,10 +71,13 @@ std::wstring FormatByteSize(int64_t bytes) {
   return StrFormatByteSizeW(bytes, text, ARRAYSIZE(text)) ? text : L"";
 }
 
+std::wstring SystemFilePath(const wchar_t* name) {
+  wchar_t folder[MAX_PATH] = {};
+  GetSystemDirectoryW(folder, MAX_PATH);
+  return JoinPath(folder, name);
+}
+
 HMODULE LoadSystemModule(const wchar_t* name) {
-  wchar_t folder[MAX_PATH];
-  const UINT length = GetSystemDirectoryW(folder, MAX_PATH);
-  if (length == 0 || length >= MAX_PATH) return nullptr;
   // The full path makes the loader look beside that file for its own imports too, not beside this program.
-  return LoadLibraryExW(JoinPath(folder, name).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+  return LoadLibraryExW(SystemFilePath(name).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }

@@ -49,11 +49,20 @@ bool IsVolumeRoot(const std::wstring& path) {
   return lstrcmpiW(full, volume) == 0;
 }
 
+// The path in the form that has no limit of length, because what lies below it may be deeper than MAX_PATH.
+std::wstring UnlimitedForm(const std::wstring& path) {
+  wchar_t full[MAX_PATH];
+  const DWORD length = GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
+  if (length == 0 || length >= MAX_PATH) return path;
+  const std::wstring absolute(full);
+  return absolute.starts_with(L"\\\\") ? L"\\\\?\\UNC" + absolute.substr(1) : L"\\\\?\\" + absolute;
+}
+
 }  // namespace
 
 void RemoveFolder(const std::wstring& path) {
   if (path.empty() || PathIsRelativeW(path.c_str()) || IsVolumeRoot(path)) return;
   const DWORD attributes = GetFileAttributesW(path.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_DIRECTORY)) return;
-  RemoveEntry(path, attributes);
+  RemoveEntry(UnlimitedForm(path), attributes);
 }

@@ -24,7 +24,9 @@ void RunWhileServing(HWND dialog, const std::function<void()>& work) {
   const KernelHandle thread(CreateThread(nullptr, 0, RunWork, const_cast<std::function<void()>*>(&work), 0, nullptr));
   if (!thread) return work();
   const HANDLE handle = thread.Get();
-  while (MsgWaitForMultipleObjects(1, &handle, FALSE, INFINITE, QS_ALLINPUT) != WAIT_OBJECT_0) ServeMessages(dialog);
+  while (MsgWaitForMultipleObjects(1, &handle, FALSE, INFINITE, QS_ALLINPUT) == WAIT_OBJECT_0 + 1)
+    ServeMessages(dialog);
+  WaitForSingleObject(handle, INFINITE);  // `work` must not outlive this call, even if the first wait failed
 }
 
 void WaitWhileServing(HWND dialog, DWORD milliseconds) {

@@ -7,7 +7,9 @@
 
 #include "app/context.h"
 #include "app/localization.h"
+#include "system/com.h"
 #include "system/error_message.h"
+#include "system/files.h"
 #include "system/handles.h"
 
 namespace {
@@ -40,6 +42,7 @@ void TellStartFailed(uint32_t error, bool elevated, const std::wstring& file) {
 }  // namespace
 
 bool RunProcess(bool elevated, bool reportFailure, const std::wstring& file, const std::wstring& parameters) {
+  const ComSession session;  // the shell may hand the start on to an extension
   const HINSTANCE result =
       ShellExecuteW(nullptr, elevated ? L"runas" : L"open", file.c_str(), parameters.c_str(), nullptr, SW_SHOWNORMAL);
   DWORD error = GetLastError();
@@ -65,11 +68,13 @@ bool RepairPermissions() {
   GetUserNameW(userNameBuffer, &capacity);
   const std::wstring parameters = BuildRepairParameters(app.appDataPath, userNameBuffer);
 
+  // By its full path: of a bare name the shell looks into the current folder first, and this runs elevated.
+  const std::wstring interpreter = SystemFilePath(L"cmd.exe");
   SHELLEXECUTEINFOW start = {};
   start.cbSize = sizeof start;
   start.fMask = SEE_MASK_NOCLOSEPROCESS;
   start.lpVerb = L"runas";
-  start.lpFile = L"cmd.exe";
+  start.lpFile = interpreter.c_str();
   start.lpParameters = parameters.c_str();
   start.nShow = SW_SHOW;
   ShellExecuteExW(&start);

@@ -64,15 +64,6 @@ TEST_F(Closing, ClosingWaitsForTheWorkerAndItsReport) {
   EXPECT_EQ(LastReport().find("&endsession"), std::string::npos) << LastReport();
 }
 
-TEST_F(Closing, ACloseSentByAnotherProgramIsReportedAsSuch) {
-  StartAndStall();
-  SendMessageW(Window(), WM_CLOSE, 0, 0);
-  ExpectPage(ClosingPage);
-  server_->Resume();
-  ExpectExit();
-  EXPECT_NE(LastReport().find("&type=download_cancel&endsession5&time="), std::string::npos) << LastReport();
-}
-
 TEST_F(Closing, TheFifthCloseEndsAtOnce) {
   StartAndStall();
   for (int i = 0; i < 4; ++i) SendMessageW(Window(), WM_CLOSE, 0, 0);

@@ -100,19 +100,6 @@ TEST_F(Resume, AfterThirtySecondsWithoutServer) {
   ExpectInstalled();
 }
 
-// Nobody is told that the cable was pulled, so the transfer goes on where it stood.
-TEST_F(Resume, WithAPulledCable) {
-  if (!CanPullCable()) GTEST_SKIP() << "nothing here can pull the cable";
-  StartAndStall({});
-  PullCable();
-  server_->Resume();
-  ASSERT_TRUE(WaitUntil([this] { return Detail().starts_with(L"Speed: 0 bytes/s"); }));
-  PlugCableIn();
-  ExpectEnd();
-  ExpectInstalled();
-  EXPECT_EQ(server_->RequestsOf(FilePath(package_)).size(), 1u);
-}
-
 // The error is told at once, and once; the list then comes by itself.
 TEST_F(Resume, StartsWithoutNetwork) {
   if (!CanPullCable()) GTEST_SKIP() << "nothing here can pull the cable";
@@ -127,20 +114,6 @@ TEST_F(Resume, StartsWithoutNetwork) {
   PlugCableIn();
   PressInstall();
   ExpectEnd();
-  ExpectInstalled();
-}
-
-TEST_F(Resume, StartsOverWhenTheRecordIsOfAnotherVersion) {
-  StartAndStall({});
-  Process().Kill();
-  server_->Resume();
-  SetFileAttributesW(TempPath(L"big.zip.stat").c_str(), FILE_ATTRIBUTE_NORMAL);
-  WriteTestFile(TempPath(L"big.zip.stat"), "1|of another version");
-  Start(L"install:big.zip source:main");
-  ExpectEnd();
-  const auto requests = server_->RequestsOf(FilePath(package_));
-  ASSERT_EQ(requests.size(), 2u);
-  EXPECT_EQ(requests[1].headers.count("range"), 0u);
   ExpectInstalled();
 }
 

@@ -119,12 +119,6 @@ TEST_F(SelfUpdate, ClosingEndsTheDownload) {
   EXPECT_FALSE(PathExists(backup_));
 }
 
-TEST_F(SelfUpdate, ClosingEndsThePrompt) {
-  StartAndFail();
-  CloseAndExpectExit();
-  ExpectContent(program_, old_);
-}
-
 // Nor does it install what the command line asked for.
 TEST_F(SelfUpdate, AnsweringThePromptEndsTheProgram) {
   const InstallerBox box = StartAndFail(L"install:a.dat source:main");
@@ -159,25 +153,6 @@ TEST_F(SelfUpdate, AKillWhileItIsReplacedLeavesAWholeProgram) {
   ExpectContent(program_, replaced ? new_ : old_);
 }
 
-// Started as the copy that it moved aside, the program takes its place again and then carries out the update.
-TEST_F(SelfUpdate, TheCopyTakesThePlaceOfAProgramThatIsNotWhole) {
-  for (const bool halfCopied : {false, true}) {
-    DeleteFileW(TempPath(L"manifest.xml").c_str());
-    MoveFileExW(program_.c_str(), backup_.c_str(), MOVEFILE_REPLACE_EXISTING);
-    WriteTestFile(backup_, old_);
-    if (halfCopied) WriteTestFile(program_, new_.substr(0, new_.size() / 2));
-    WriteTestFile(TempPath(L"launcher.update"), new_);
-    Announce();
-    Start(L"", backup_);
-    FollowRelaunch();
-    EXPECT_EQ(Process().File(), program_);
-    ExpectContent(program_, new_);
-    ExpectNoBackup();
-    CloseAndExpectExit();
-  }
-  EXPECT_TRUE(server_->RequestsOf("/new.exe").empty());
-}
-
 TEST_F(SelfUpdate, AForgottenCopyIsRemoved) {
   WriteTestFile(program_, new_);
   WriteTestFile(TempPath(L"launcher.update"), new_);
@@ -185,14 +160,6 @@ TEST_F(SelfUpdate, AForgottenCopyIsRemoved) {
   Start(L"", program_);
   ExpectReady();
   EXPECT_FALSE(PathExists(backup_));
-}
-
-// "updated" must stand at the beginning.
-TEST_F(SelfUpdate, SomebodyElsesBackupIsKept) {
-  WriteTestFile(backup_, "mine");
-  Start(L"source:main updated", program_);
-  ExpectReady();
-  ExpectContent(backup_, "mine");
 }
 
 }  // namespace

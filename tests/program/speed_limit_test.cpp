@@ -24,7 +24,7 @@ TEST_F(SpeedLimit, ChangesARunningDownload) {
   Offer({package});
   SetNumber(L"MaxDownloadSpeed", 16);  // KB/s: three minutes in all
   Start(L"install:big.dat source:main");
-  ASSERT_TRUE(WaitUntil([this] { return FileSize(TempPath(L"big.dat")) >= 16 * 1024; }));
+  ASSERT_TRUE(WaitUntil([this] { return FileSize(TempPath(L"big.dat")) >= uint64_t{16} * 1024; }));
   EXPECT_LT(FileSize(TempPath(L"big.dat")), kSize / 2);
   SetLimit(L"");
   ExpectEnd();

@@ -60,7 +60,7 @@ std::vector<std::wstring> ItemsOf(HWND comboBox) {
 
 }  // namespace
 
-PickerDriver::PickerDriver(std::vector<std::wstring> choices, std::function<void()> onPicker)
+PickerDriver::PickerDriver(const std::vector<std::wstring>& choices, std::function<void()> onPicker)
     : choices_(choices.begin(), choices.end()), onPicker_(std::move(onPicker)) {
   thread_ = std::thread(&PickerDriver::Run, this);
 }

@@ -23,7 +23,7 @@ class PickerDriver {
  public:
   // What to type, in order; relative to the folder that the picker shows. An empty text presses Cancel, and so does a
   // picker beyond them, which fails the test. `onPicker` is called on the thread of its own before each answer.
-  explicit PickerDriver(std::vector<std::wstring> choices, std::function<void()> onPicker = {});
+  explicit PickerDriver(const std::vector<std::wstring>& choices, std::function<void()> onPicker = {});
   // Fails the test when a choice was not asked for.
   ~PickerDriver();
   PickerDriver(const PickerDriver&) = delete;

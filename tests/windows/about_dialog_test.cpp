@@ -23,7 +23,9 @@ TEST_F(AboutDialogTest, TellsWhatTheProgramIs) {
   const struct {
     uint32_t language;
     const wchar_t *title, *version;
-  } cases[] = {{LANG_ENGLISH, L"Help", L"Version: 4.0.8"}, {LANG_POLISH, L"Pomoc", L"Wersja: 4.0.8"}};
+  } cases[] = {{LANG_ENGLISH, L"Help", L"Version: 4.0.8"},
+               {LANG_GERMAN, L"Hilfe", L"Version: 4.0.8"},
+               {LANG_POLISH, L"Pomoc", L"Wersja: 4.0.8"}};
   for (const auto& test : cases) {
     window_.Run([&] { SetThreadLanguage(test.language); });
     const OpenedDialog dialog(window_, COMMAND_ABOUT);
@@ -49,17 +51,6 @@ TEST_F(AboutDialogTest, LinksOpenWhatTheyShow) {
   }
   EXPECT_EQ(shell.Starts().size(), 4u);
   EXPECT_TRUE(IsWindowVisible(dialog.Window()));
-}
-
-TEST_F(AboutDialogTest, TabReachesEveryButton) {
-  const OpenedDialog dialog(window_, COMMAND_ABOUT);
-  std::vector<int> visited;
-  for (int i = 0; i < 6; ++i) {
-    visited.push_back(dialog.Focus());
-    dialog.PressKey(VK_TAB);
-  }
-  EXPECT_EQ(visited, (std::vector<int>{IDOK, ABOUT_FIRST_LINK, ABOUT_FIRST_LINK + 1, ABOUT_FIRST_LINK + 2,
-                                       ABOUT_LAST_LINK, IDOK}));
 }
 
 }  // namespace

@@ -52,9 +52,12 @@ TEST(DarkScrollBars, OnlyTheOneImportIsLedElsewhere) {
 }
 
 TEST(DarkScrollBars, ModuleThatIsOtherwiseStaysAsItIs) {
-  for (const auto change : {+[](Module& module) { module.headers.OptionalHeader.Magic = 0x20B; },
-                            +[](Module& module) { module.libraries[0].ImportAddressTableRVA = sizeof(Module) - 4; },
-                            +[](Module& module) { module.names[1] = 49; }}) {
+  void (*const changes[])(Module&) = {
+      [](Module& module) { module.headers.OptionalHeader.Magic = 0x20B; },
+      [](Module& module) { module.libraries[0].ImportAddressTableRVA = sizeof(Module) - 4; },
+      [](Module& module) { module.names[1] = 49; },
+  };
+  for (const auto change : changes) {
     Module module;
     change(module);
     EXPECT_FALSE(module.Darken());

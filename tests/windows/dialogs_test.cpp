@@ -67,16 +67,6 @@ TEST_F(Dialogs, DisableTheMainWindowUntilAKeyOrButtonClosesThem) {
   }
 }
 
-TEST(DialogsAtTheEnd, CloseWithTheMainWindow) {
-  for (const int command : kModalDialogs) {
-    TestWindow window(CreateProgramWindow);
-    const OpenedDialog dialog(window, command);
-    PostMessageW(window.Window(), WM_CLOSE, 0, 0);
-    EXPECT_TRUE(window.WaitUntilClosed());
-    EXPECT_TRUE(dialog.WaitUntilClosed());
-  }
-}
-
 struct ColorQuestion {
   UINT message;
   int control;
@@ -120,32 +110,6 @@ TEST_F(Dialogs, OpenDarkAndFollowTheUser) {
     EXPECT_FALSE(windows.allowed[dialog.Window()]);
     ExpectColors(window_, dialog.Window(), questions[i]);
   }
-}
-
-// With a style of its own the edit would draw dark text on the dark colour that it is given.
-TEST_F(Dialogs, SpeedEditGoesWithoutStyleInTheDark) {
-  DarkWindows windows;
-  SetupDarkMode();
-  const OpenedDialog dialog(window_, COMMAND_SPEED_LIMIT);
-  const DarkWindows::Style none{L"", L""};
-  EXPECT_EQ(windows.styles[dialog.Item(SPEED_EDIT)], none);
-  windows.userWantsDark = false;
-  DarkWindows::TellColorSetChange(dialog.Window());
-  EXPECT_FALSE(windows.styles[dialog.Item(SPEED_EDIT)] == none);
-}
-
-TEST_F(Dialogs, UpdateDialogIsDarkToo) {
-  DarkWindows windows;
-  SetupDarkMode();
-  HWND dialog = nullptr;
-  window_.Run([&] { dialog = CreateUpdateDialog(0); });
-  EXPECT_TRUE(windows.allowed[dialog]);
-  ExpectColors(window_, dialog, {{WM_CTLCOLORDLG, 0}, {WM_CTLCOLORSTATIC, UPDATE_STATUS}});
-  windows.userWantsDark = false;
-  DarkWindows::TellColorSetChange(dialog);
-  EXPECT_FALSE(windows.allowed[dialog]);
-  ExpectColors(window_, dialog, {{WM_CTLCOLORDLG, 0}, {WM_CTLCOLORSTATIC, UPDATE_STATUS}});
-  window_.Run([&] { DestroyWindow(dialog); });
 }
 
 }  // namespace

@@ -134,27 +134,6 @@ TEST_F(FileDownload, ResumesBeyondFourGigabytes) {
   EXPECT_EQ(SeenDownloaded(), (std::vector<uint64_t>{0, offset + 4}));
 }
 
-TEST_F(FileDownload, LeavesTheFileAloneWithoutABody) {
-  WriteTestFile(file, "before");
-  ScriptedAnswer refusal;
-  refusal.body = "no such file";
-  for (const int status : {404, 403, 416, 500}) {
-    refusal.status = status;
-    server.AnswerNext("/a.zip", refusal);
-    ExpectResult(Download(3), 0, false, 0, static_cast<uint32_t>(status), 0);
-  }
-  EXPECT_TRUE(seen.empty());
-  cancelInCall = 0;
-  ExpectResult(Download(3), 0, true, 9997, 206, 0);
-  cancelInCall = 1;
-  ExpectResult(Download(0), 0, true, 10000, 200, 0);
-  EXPECT_EQ(ReadTestFile(file), "before");
-  EXPECT_TRUE(DeleteFileW(file.c_str()));
-  cancelInCall = 2;
-  ExpectResult(Download(0), 0, true, 10000, 200, 0);
-  EXPECT_FALSE(PathExists(file));
-}
-
 TEST_F(FileDownload, TellsWhyTheFileCannotBeOpened) {
   SetLastError(ERROR_CRC);
   const auto download = [this](const std::wstring& path) { return client.DownloadToFile(kUrl, path, 0, nullptr); };

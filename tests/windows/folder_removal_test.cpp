@@ -91,20 +91,3 @@ TEST(FolderRemoval, LeavesVolumesAlone) {
   RemoveFolder(volumeRoot + L"\\sub");
   EXPECT_FALSE(PathExists(volumeRoot + L"\\sub"));
 }
-
-TEST(FolderRemoval, LeavesAloneWhatIsNoFolder) {
-  const TempFolder folder;
-  WriteTestFile(folder / L"file", "1");
-  RemoveFolder(folder / L"file");
-  EXPECT_TRUE(PathExists(folder / L"file"));
-  RemoveFolder(folder / L"absent");
-
-  // Relative to whatever the current folder is.
-  wchar_t current[MAX_PATH];
-  GetCurrentDirectoryW(MAX_PATH, current);
-  ASSERT_TRUE(SetCurrentDirectoryW(folder.Path().c_str()));
-  EXPECT_EQ(CreateDirectories(folder / L"sub"), 0u);
-  for (const wchar_t* path : {L"", L"sub", L".", L"..\\sub"}) RemoveFolder(path);
-  EXPECT_TRUE(PathExists(folder / L"sub"));
-  SetCurrentDirectoryW(current);
-}

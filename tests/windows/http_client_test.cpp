@@ -209,28 +209,3 @@ TEST(HttpClient, SendsOnceMoreAfterAnUnknownAuthorityOnly) {
     EXPECT_EQ(result.statusCode, c.status);
   }
 }
-
-TEST(HttpClient, FetchesAnUndecodableBodyAgainWithoutGzip) {
-  for (const BOOL reported : {TRUE, FALSE}) {
-    ScriptedServer server;
-    server.Answer("/a", Body(std::string(10000, 'x')));
-    HttpClient client;
-    std::string body = "emptied ";
-    const auto get_with_fault = [&] {
-      const ReadFault fault(1, reported, kErrorDecodingFailed);
-      return Get(client, L"http://zendora.example/a", body);
-    };
-    const HttpResult result = get_with_fault();
-    EXPECT_EQ(result.error, 0u);
-    EXPECT_EQ(result.received, 4096u + 10000u);
-    EXPECT_TRUE(body == std::string(10000, 'x')) << body.size() << " bytes";
-    ASSERT_EQ(server.Requests().size(), 2u);
-    EXPECT_EQ(server.Requests()[0].headers.count("accept-encoding"), 1u);
-    EXPECT_EQ(server.Requests()[1].headers.count("accept-encoding"), 0u);
-
-    // From now on without gzip, and without a second try.
-    EXPECT_EQ(get_with_fault().error, kErrorDecodingFailed);
-    ASSERT_EQ(server.Requests().size(), 3u);
-    EXPECT_EQ(server.Requests()[2].headers.count("accept-encoding"), 0u);
-  }
-}

@@ -182,43 +182,35 @@ TEST_F(SelfUpdate, TriesOneAddressAfterTheOther) {
   EXPECT_EQ(asked, (std::vector<std::string>{"/another-file", "/nothing", "/missing", "/cut-short", "/second"}));
 }
 
+class SelfUpdateFailure : public SelfUpdate, public testing::WithParamInterface<int> {};
+
 struct HelpCase {
   const char *helpURL, *md5;
   std::deque<std::string> urls;
   std::wstring address;
-  int answer;
+  size_t requests;
 };
-void PrintTo(const HelpCase& test, std::ostream* out) { *out << testing::PrintToString(test.address); }
 
-class SelfUpdateFailure : public SelfUpdate, public testing::WithParamInterface<HelpCase> {};
+std::vector<HelpCase> HelpCases() {
+  return {{"", kNewMd5, {kFirst, kSecond}, L"http://zendora.example/first", 2},
+          {"http://help.example/", kNewMd5, {kFirst, kSecond}, L"http://help.example/", 2},
+          {"http://help.example/", kNewMd5, {}, L"http://help.example/", 0},
+          {"", kNewMd5, {}, DownloadPageAddress(), 0},
+          // Hashes are compared letter by letter.
+          {"", "9E107D9D372BB6826BD81D3542A419D6", {kSecond}, L"http://zendora.example/second", 1}};
+}
 
 TEST_P(SelfUpdateFailure, TellsWhereToGetTheProgram) {
-  const auto& [helpURL, md5, urls, address, answer] = GetParam();
+  const HelpCase test = HelpCases()[static_cast<size_t>(GetParam())];
   server_.Answer("/first", Body("not the program"));
-  server_.Answer("/second", Body(kNewProgram));
-  UpdaterInfo announced = Announce(urls, helpURL);
-  announced.md5 = md5;
-  ExpectGivenUp(Update(announced, {answer}), PromptText(address));
-  EXPECT_EQ(server_.Requests().size(), urls.size());
-  EXPECT_EQ(shell_.Starts().size(), answer == IDYES ? 1u : 0u);
-  for (const ShellStart& start : shell_.Starts()) EXPECT_EQ(start.file, address);
+  server_.Answer("/second", Body(std::string(test.md5) == kNewMd5 ? "neither" : kNewProgram));
+  UpdaterInfo announced = Announce(test.urls, test.helpURL);
+  announced.md5 = test.md5;
+  ExpectGivenUp(Update(announced, {IDNO}), PromptText(test.address));
+  EXPECT_EQ(server_.Requests().size(), test.requests);
+  EXPECT_TRUE(shell_.Starts().empty());
 }
-INSTANTIATE_TEST_SUITE_P(
-    , SelfUpdateFailure,
-    testing::Values(
-        HelpCase{"", kNewMd5, {kFirst}, L"http://zendora.example/first", IDNO},
-        HelpCase{"http://help.example/", kNewMd5, {kFirst}, L"http://help.example/", IDYES},
-        HelpCase{"", kNewMd5, {}, DownloadPageAddress(), IDNO},
-        // Hashes are compared letter by letter.
-        HelpCase{"", "9E107D9D372BB6826BD81D3542A419D6", {kSecond, kFirst}, L"http://zendora.example/second", IDNO}));
-
-TEST_F(SelfUpdate, BridgesAnOutage) {
-  server_.Answer("/first", Body(kNewProgram));
-  const SendFaults outage({kErrorCannotConnect, kErrorNameNotResolved, kErrorTimeout, kErrorConnectionReset});
-  Update(Announce({kFirst}));
-  ExpectReplaced();
-  EXPECT_EQ(pauses, 4);
-}
+INSTANTIATE_TEST_SUITE_P(Each, SelfUpdateFailure, testing::Range(0, 5));
 
 TEST_F(SelfUpdate, GivesAnAddressUpAfterSixtyRetries) {
   server_.Answer("/second", Body(kNewProgram));
@@ -228,13 +220,6 @@ TEST_F(SelfUpdate, GivesAnAddressUpAfterSixtyRetries) {
   EXPECT_EQ(pauses, 60);
   EXPECT_EQ(RequestsOf("/first"), 0u);
   EXPECT_EQ(RequestsOf("/second"), 1u);
-}
-
-TEST_F(SelfUpdate, TellsTheErrorOfTheLastAddress) {
-  constexpr DWORD kInvalidServerResponse = 12152;
-  const SendFaults fault({kInvalidServerResponse});
-  ExpectGivenUp(Update(Announce({kFirst}), {IDNO}), L"Error: 12152\n\n" + PromptText(L"http://zendora.example/first"));
-  EXPECT_EQ(pauses, 0);
 }
 
 constexpr wchar_t kPermissionQuestion[] = L"Fix permissions?";
@@ -251,12 +236,6 @@ BOOL WINAPI RepairByRemoving(SHELLEXECUTEINFOW* info) {
   return TRUE;
 }
 
-BOOL WINAPI RefuseToRepair(SHELLEXECUTEINFOW* info) {
-  info->hProcess = nullptr;
-  SetLastError(ERROR_CANCELLED);
-  return FALSE;
-}
-
 TEST_F(SelfUpdate, RepairsPermissionsOnRequest) {
   DenyUpdateFile();
   server_.Answer("/first", Body(kNewProgram));
@@ -269,26 +248,6 @@ TEST_F(SelfUpdate, RepairsPermissionsOnRequest) {
   EXPECT_TRUE(boxes[0].owner);
   EXPECT_EQ(boxes[0].owner, dialogDuringRepair);
   ExpectReplaced();
-}
-
-TEST_F(SelfUpdate, GoesOnWithoutRepair) {
-  DenyUpdateFile();
-  server_.Answer("/first", Body(kNewProgram));
-  server_.Answer("/second", Body(kNewProgram));
-  const ReplacedImport repair(importedShellExecuteEx, RefuseToRepair);
-  const auto boxes = Update(Announce({kFirst, kSecond}), {IDNO, IDYES, IDNO});
-  ASSERT_EQ(boxes.size(), 3u);
-  ExpectGivenUp(boxes, PromptText(L"http://zendora.example/first", ERROR_ACCESS_DENIED));
-  EXPECT_EQ(RequestsOf("/first"), 1u);
-  EXPECT_EQ(RequestsOf("/second"), 1u);
-}
-
-TEST_F(SelfUpdate, LeavesAProgramThatCannotBeMoved) {
-  server_.Answer("/first", Body(kNewProgram));
-  const FileHandle user(CreateFileW(app.exePath.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr));
-  ExpectGivenUp(Update(Announce({kFirst}), {IDNO}),
-                PromptText(L"http://zendora.example/first", ERROR_SHARING_VIOLATION));
 }
 
 // The copy fails on a full disk, halfway.
@@ -376,13 +335,6 @@ TEST_F(StalledUpdate, ShowsHowFarItIsAndAnswers) {
   EXPECT_TRUE(window_.WaitUntilClosed());
   EXPECT_EQ(ReadTestFile(app.exePath), newProgram_);
   EXPECT_FALSE(IsWindow(dialog_)) << "it ends with its thread";
-}
-
-// In the program the process ends with its window, and the update with it.
-TEST_F(StalledUpdate, DoesNotKeepTheMainWindowOpen) {
-  PostMessageW(window_.Window(), WM_CLOSE, 0, 0);
-  EXPECT_TRUE(window_.WaitUntilClosed());
-  EXPECT_FALSE(IsWindow(window_.Window()));
 }
 
 }  // namespace

@@ -60,7 +60,7 @@ TEST_F(SingleInstance, ShowsAFirstThatStaysInTheTaskManager) {
   EXPECT_FALSE(ClaimSingleInstance(L""));
   EXPECT_EQ(app.startupWaitMs, 1000u);
   EXPECT_EQ(boxes.Boxes().at(0).text, L"Another instance is running. You should close already opened program first.");
-  EXPECT_EQ(shell.Starts().at(0).file, L"taskmgr.exe");
+  EXPECT_EQ(shell.Starts().at(0).file, SystemFilePath(L"taskmgr.exe"));
 }
 
 TEST(CommandLine, BackupGoesOnlyAfterAnUpdate) {

@@ -6,7 +6,7 @@
 #include <commctrl.h>
 
 #include "app/context.h"
-#include "resource.h"
+#include "app/localization.h"
 #include "support/test_window.h"
 #include "system/files.h"
 
@@ -24,20 +24,6 @@ class UpdateDialogTest : public testing::Test {
   TestWindow window_{NoPage};
   HWND dialog_ = nullptr;
 };
-
-TEST_F(UpdateDialogTest, IsCreatedHiddenAndCannotBeClosedByItsUser) {
-  Create(0);
-  ASSERT_TRUE(dialog_);
-  EXPECT_FALSE(IsWindowVisible(dialog_));
-  EXPECT_EQ(GetWindow(dialog_, GW_OWNER), window_.Window());
-  EXPECT_TRUE(IsWindowEnabled(window_.Window()));
-  SendMessageW(dialog_, WM_SYSCOMMAND, SC_CLOSE, 0);
-  SendMessageW(dialog_, WM_CLOSE, 0, 0);
-  SendMessageW(dialog_, WM_COMMAND, IDCANCEL, 0);
-  MSG message;
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-  EXPECT_TRUE(IsWindow(dialog_));
-}
 
 TEST_F(UpdateDialogTest, ShowsSizesAndProgress) {
   const uint64_t gigabyte = uint64_t{1} << 30;
@@ -73,17 +59,6 @@ TEST_F(UpdateDialogTest, ShowsSizesAndProgress) {
     EXPECT_FALSE(progress.cancel);
     DestroyWindow(dialog_);
   }
-}
-
-TEST_F(UpdateDialogTest, ClearsWhatAnAttemptHasShown) {
-  Create(1000);
-  DownloadProgress progress{.downloaded = 500};
-  OnUpdateDownloadProgress(&progress);
-  ASSERT_EQ(Percent(), 50);
-  ClearUpdateDisplay();
-  EXPECT_EQ(Percent(), 0);
-  EXPECT_EQ(Text(UPDATE_RECEIVED), L"");
-  EXPECT_EQ(Text(UPDATE_TOTAL), L"");
 }
 
 }  // namespace
