@@ -94,9 +94,13 @@ void InstallerTest::FollowRelaunch() {
   process_.emplace(process);
 }
 
-void InstallerTest::PressInstall() {
+void InstallerTest::AwaitList() {
   const auto ready = [this] { return PageOf(Window()) == ComponentsPage && IsWindowEnabled(BottomButton(Window())); };
   ASSERT_TRUE(WaitUntil(ready)) << "the list of components was not filled";
+}
+
+void InstallerTest::PressInstall() {
+  AwaitList();
   Press(BottomButton(Window()));
 }
 

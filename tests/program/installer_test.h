@@ -53,7 +53,9 @@ class InstallerTest : public testing::Test {
   void FollowRelaunch();
   InstallerProcess& Process() { return *process_; }
   HWND Window() { return FindInstallerWindow(process_->Id()); }
-  // Waits until the list is filled, and presses Install.
+  // Waits until the list of components is filled.
+  void AwaitList();
+  // The same, and presses Install.
   void PressInstall();
   void Close() { PostMessageW(Window(), WM_CLOSE, 0, 0); }
 

@@ -67,12 +67,6 @@ class SelfUpdate : public InstallerTest {
     return FindBox(Process().Id());
   }
 
-  void ExpectReady() {
-    const auto ready = [this] {
-      return ComponentRows(Window()).size() == 1 && IsWindowEnabled(BottomButton(Window()));
-    };
-    EXPECT_TRUE(WaitUntil(ready)) << "the list of components was not filled";
-  }
   void ExpectNoBackup() {
     EXPECT_TRUE(WaitUntil([this] { return !PathExists(backup_); }));
   }
@@ -105,7 +99,7 @@ TEST_F(SelfUpdate, ReplacesItselfAndStartsAnew) {
   EXPECT_EQ(Process().File(), program_);
   ExpectContent(program_, new_);
   ExpectNoBackup();
-  ExpectReady();
+  AwaitList();
   EXPECT_TRUE(IsWindowEnabled(Window()));
   EXPECT_EQ(server_->RequestsOf("/new.exe").size(), 1u);
   CloseAndExpectExit();
@@ -136,7 +130,7 @@ TEST_F(SelfUpdate, AKillDuringTheDownloadHarmsNothing) {
   Process().Kill();
   ExpectContent(program_, old_);
   Start(L"", program_);
-  ExpectReady();
+  AwaitList();
 }
 
 // Whatever the moment, a whole program is there; and once it was started, it is the only one.
@@ -148,7 +142,7 @@ TEST_F(SelfUpdate, AKillWhileItIsReplacedLeavesAWholeProgram) {
   const bool replaced = ReadWholeFile(program_) == new_;
   if (!replaced) ExpectContent(backup_, old_);
   Start(L"", replaced ? program_ : backup_);
-  ExpectReady();
+  AwaitList();
   ExpectNoBackup();
   ExpectContent(program_, replaced ? new_ : old_);
 }
@@ -158,7 +152,7 @@ TEST_F(SelfUpdate, AForgottenCopyIsRemoved) {
   WriteTestFile(TempPath(L"launcher.update"), new_);
   WriteTestFile(backup_, old_);
   Start(L"", program_);
-  ExpectReady();
+  AwaitList();
   EXPECT_FALSE(PathExists(backup_));
 }
 
