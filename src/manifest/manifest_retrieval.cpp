@@ -73,9 +73,9 @@ HWND InstallButton() {
   return page ? page->installButton.Window() : nullptr;
 }
 
-// Once the list is filled the user may press Install, which fills app.installList too and replaces the page. The button
-// to press for the command line is therefore taken before.
-void LoadAndShow() {
+// Once the list is filled the user may press Install, which replaces the page: the button to press for the command line
+// is therefore taken before.
+void LoadAndShow(bool startRequested) {
   const int packages = LoadManifest(false);
   const HWND installButton = InstallButton();
   if (packages > 0) {
@@ -85,7 +85,6 @@ void LoadAndShow() {
     return;
   }
   if (ManifestCacheSaveFailed()) OfferRepairOfCache();
-  const bool startRequested = !app.installList.Get()->empty() && !app.selectionFromUser;
   if (startRequested && !app.updateInProgress) SendMessageW(installButton, BM_CLICK, 0, 0);
 }
 
@@ -109,6 +108,8 @@ bool FetchManifest() {
 
 DWORD WINAPI ManifestThreadProc(void*) {
   SetThreadLanguage(app.uiLanguage);
-  if (ObtainDocument()) LoadAndShow();
+  // By this program's own command line; one that another start forwards only changes what Install would install.
+  const bool startRequested = !app.installList.Get()->empty();
+  if (ObtainDocument()) LoadAndShow(startRequested);
   return 0;
 }

@@ -95,4 +95,20 @@ TEST(Theme, NothingOfTheOtherAppearanceStaysOnTheInstallationPage) {
   }
 }
 
+TEST(Theme, AHundredSwitchesLeaveNoObjectsBehind) {
+  DarkWindows windows;
+  SetupDarkMode();
+  const TestWindow window(CreateProgramWindow);
+  window.Run(ShowInstallPage);
+  if (GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) == 0) GTEST_SKIP() << "this system doesn't count objects";
+  DWORD objects = 0;
+  for (int i = 0; i < 102; ++i) {
+    windows.userWantsDark = !app.darkMode;
+    DarkWindows::TellColorSetChange(window.Window());
+    window.Run([&] { UpdateWindow(window.Window()); });
+    if (i == 1) objects = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);  // both appearances were shown
+  }
+  EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), objects);
+}
+
 }  // namespace
