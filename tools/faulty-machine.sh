@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs a command with what tests need to see a machine fail. Inside the private network and tools/with-wine.sh only.
-#   C:\full          a disk of one megabyte
-#   C:\locked        a disk that can't be written to
+#   C:\full          a disk of one and a half megabytes
+#   C:\locked        a disk that can't be written to; a copy of the program is on it
 #   C:\link          while a file "down" is in this folder, the network is gone, as with a pulled cable; the file
 #                    "is-down" tells that it is
 #   tools/faulty-machine.sh COMMAND [ARGUMENT...]
@@ -10,8 +10,10 @@ source "$(dirname "$0")/common.sh"
 
 drive=$WINEPREFIX/drive_c
 mkdir -p "$drive/full" "$drive/locked" "$drive/link"
-mount -t tmpfs -o size=1m none "$drive/full"
-mount -t tmpfs -o ro none "$drive/locked"
+mount -t tmpfs -o size=1536k none "$drive/full"
+mount -t tmpfs none "$drive/locked"
+cp "$build/release/ZendoraInstaller.exe" "$drive/locked/ZendoraSelfUpdateTest.exe"
+mount -o remount,ro "$drive/locked"
 
 watch_link() {
   while sleep 0.05; do

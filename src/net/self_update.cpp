@@ -25,6 +25,7 @@
 namespace {
 
 constexpr int kMaxRetries = 60;
+constexpr DWORD kRetryPauseMs = 1000;
 
 struct Update {
   HWND dialog;
@@ -51,7 +52,7 @@ HttpResult Download(Update& update, const std::wstring& url) {
 HttpResult DownloadThroughOutage(Update& update, const std::wstring& url) {
   HttpResult result = Download(update, url);
   for (int retries = 0; IsRetryableNetworkError(result.error) && retries < kMaxRetries; ++retries) {
-    pauseBeforeUpdateRetry(update.dialog);
+    WaitWhileServing(update.dialog, kRetryPauseMs);
     result = Download(update, url);
   }
   return result;
@@ -86,7 +87,8 @@ bool ObtainFile(Update& update, std::deque<std::string> urls) {
   return false;
 }
 
-// A running program can be moved, but not overwritten. Returns 0 or the error; the old program is then in its place.
+// A running program can be moved, but not overwritten. Returns 0 or the error, after which the old program is in its
+// place again where that can be done.
 uint32_t ReplaceProgram(const std::wstring& newFile) {
   constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
   if (!MoveFileExW(app.exePath.c_str(), app.backupPath.c_str(), kFlags)) return GetLastError();
@@ -97,12 +99,13 @@ uint32_t ReplaceProgram(const std::wstring& newFile) {
 }
 
 // A window that is closed from now on waits, as for a worker: the process must not end between the two steps of the
-// replacement. False when it closes already.
+// replacement. False when it was closed before.
 bool HoldWindow() {
   app.installRunning = true;
   std::atomic_thread_fence(std::memory_order_seq_cst);  // the counterpart is in OnCloseRequest
   if (app.closeAttempts == 0) return true;
   app.installRunning = false;
+  PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);  // it may have been put off just now
   return false;
 }
 
@@ -129,8 +132,6 @@ void GiveUp(const Update& update) {
 }
 
 }  // namespace
-
-void (*pauseBeforeUpdateRetry)(HWND dialog) = [](HWND dialog) { WaitWhileServing(dialog, 1000); };
 
 void RunSelfUpdate(const UpdaterInfo& announced) {
   DeleteFileW(app.manifestPath.c_str());  // the next start is to ask anew

@@ -9,6 +9,3 @@
 // and relaunch. Returns when that is under way, or when it failed and the user was told where to get it by hand.
 // Runs on the thread that loads the manifest.
 void RunSelfUpdate(const UpdaterInfo& announced);
-
-// What waits a second before a download is tried again, while `dialog` is served. Tests replace it.
-extern void (*pauseBeforeUpdateRetry)(HWND dialog);

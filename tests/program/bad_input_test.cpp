@@ -127,7 +127,7 @@ TEST_F(BadInput, DownloadsThatDontMatchTheManifest) {
     Offer({package});
     server_->Answer(FilePath(package), bad.answer);
     Start(L"install:bad.dat source:main");
-    const InstallerBox box = ExpectBox(std::chrono::seconds(90));
+    const InstallerBox box = ExpectBox(L"", std::chrono::seconds(90));
     EXPECT_EQ(box.caption, L"Error");
     ExpectInText(box.text, L"There was an error during download\n\nPackage: Bad one\n\nError code: ");
     ExpectInText(box.text, L"\n\nWould you like to try again?");

@@ -60,11 +60,7 @@ std::string InstallerTest::ZipOf(const std::vector<TestEntry>& entries) {
   return ReadTestFile(folder / L"archive.zip");
 }
 
-void InstallerTest::OfferManifest(const std::string& xml) {
-  ScriptedAnswer answer;
-  answer.body = xml;
-  server_->Answer(kRepositoryPath, answer);
-}
+void InstallerTest::OfferManifest(const std::string& xml) { server_->Answer(kRepositoryPath, {.body = xml}); }
 
 void InstallerTest::Offer(const std::vector<TestPackage>& packages) {
   std::string xml =
@@ -72,9 +68,7 @@ void InstallerTest::Offer(const std::vector<TestPackage>& packages) {
       "<source key=\"other\" title=\"Other\"/></sources><packages>";
   for (const TestPackage& package : packages) {
     xml += PackageXml(package);
-    ScriptedAnswer answer;
-    answer.body = package.content;
-    server_->Answer(FilePath(package), answer);
+    server_->Answer(FilePath(package), {.body = package.content});
   }
   OfferManifest(xml + "</packages></downloader>");
 }
@@ -120,10 +114,16 @@ void InstallerTest::ExpectEnd(const std::wstring& lastLine) {
   EXPECT_TRUE(WaitUntil([this] { return ShownText(BottomButton(Window())) == L"Exit"; }));
 }
 
-InstallerBox InstallerTest::ExpectBox(std::chrono::milliseconds limit) {
-  EXPECT_TRUE(WaitUntil([this] { return FindBox(process_->Id()).window != nullptr; }, limit))
-      << "no message box appeared; log: " << testing::PrintToString(LogLines(Window()));
-  return FindBox(process_->Id());
+InstallerBox InstallerTest::ExpectBox(const std::wstring& part, std::chrono::milliseconds limit) {
+  InstallerBox box;
+  const auto appeared = [&] {
+    box = FindBox(process_->Id());
+    return box.window && box.text.find(part) != std::wstring::npos;
+  };
+  EXPECT_TRUE(WaitUntil(appeared, limit))
+      << "no message box says " << testing::PrintToString(part) << ", but " << testing::PrintToString(box.text)
+      << "; log: " << testing::PrintToString(LogLines(Window()));
+  return box;
 }
 
 void InstallerTest::ExpectExit() {

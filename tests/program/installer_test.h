@@ -63,7 +63,8 @@ class InstallerTest : public testing::Test {
   void ExpectPage(Page page);
   void ExpectLog(const std::wstring& line);
   void ExpectEnd(const std::wstring& lastLine = L"Installation finished");
-  InstallerBox ExpectBox(std::chrono::milliseconds limit = std::chrono::seconds(20));
+  // A box or dialog whose text has this part.
+  InstallerBox ExpectBox(const std::wstring& part = L"", std::chrono::milliseconds limit = std::chrono::seconds(20));
   void ExpectExit();
 
   static void ExpectContent(const std::wstring& path, const std::string& content);

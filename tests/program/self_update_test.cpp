@@ -11,6 +11,10 @@
 namespace {
 
 constexpr wchar_t kProgramName[] = L"ZendoraSelfUpdateTest.exe";
+constexpr char kNew[] = "http://zendora.example/new.exe", kOther[] = "http://zendora.example/other.exe";
+constexpr char kMissing[] = "http://zendora.example/missing.exe", kHelpPage[] = "http://zendora.example/help";
+constexpr char kNobodyListens[] = "http://127.0.0.2/";
+constexpr size_t kStall = 400 * 1024;
 
 // Ends what a killed or failed program has left running.
 void KillProgramsOfThisTest() {
@@ -26,60 +30,82 @@ class SelfUpdate : public InstallerTest {
  protected:
   void SetUp() override {
     InstallerTest::SetUp();
+    PlaceProgramIn(folder_.Path());
     WriteTestFile(program_, old_);
     Offer({package_});
-    OfferNewProgram(new_);
+    server_->Answer("/new.exe", {.body = new_});
+    server_->Answer("/other.exe", {.body = "something else"});
   }
   void TearDown() override {
     InstallerTest::TearDown();
     KillProgramsOfThisTest();
   }
-
-  // The next manifest announces the new program. Those that follow do not: they are asked for by the new program.
-  void Announce() {
-    ScriptedAnswer manifest;
-    manifest.body = "<downloader><updater md5=\"" + Md5Of(new_) + "\" filesize=\"" + std::to_string(new_.size()) +
-                    "\" helpURL=\"http://zendora.example/help\"><source url=\"http://zendora.example/new.exe\"/>"
-                    "</updater><packages><package><title>A</title><filename value=\"a.dat\"/></package></packages>"
-                    "</downloader>";
-    server_->AnswerNext("/play/files/repository.php", manifest);
+  void PlaceProgramIn(const std::wstring& folder) {
+    program_ = folder + L"\\" + kProgramName;
+    backup_ = program_ + L".backup";
   }
-  void OfferNewProgram(const std::string& content, std::optional<size_t> stallAfter = {}) {
-    ScriptedAnswer answer;
-    answer.body = content;
-    answer.stallAfter = stallAfter;
-    server_->Answer("/new.exe", answer);
+
+  // Starts the program, whose manifest announces the new one. Later manifests don't: the new program asks for them.
+  void StartUpdate(const std::vector<std::string>& addresses = {kNew}, const std::string& helpPage = kHelpPage,
+                   const std::wstring& commandLine = L"") {
+    std::string sources;
+    for (const std::string& address : addresses) sources += "<source url=\"" + address + "\"/>";
+    server_->AnswerNext("/play/files/repository.php",
+                        {.body = "<downloader><updater md5=\"" + Md5Of(new_) + "\" filesize=\"" +
+                                 std::to_string(new_.size()) + "\" helpURL=\"" + helpPage + "\">" + sources +
+                                 "</updater><packages><package><title>A</title><filename value=\"a.dat\"/></package>"
+                                 "</packages></downloader>"});
+    DeleteFileW(TempPath(L"manifest.xml").c_str());
+    Start(commandLine, program_);
   }
   // Returns while a part of the new program is there and the server holds back the rest.
-  void StartAndStall(const std::wstring& commandLine = L"") {
-    Announce();
-    OfferNewProgram(new_, kStall);
-    Start(commandLine, program_);
+  void StartAndStall(const std::wstring& commandLine = L"", std::optional<size_t> closeAfter = {}) {
+    server_->AnswerNext("/new.exe", {.body = new_, .closeAfter = closeAfter, .stallAfter = kStall});
+    StartUpdate({kNew}, kHelpPage, commandLine);
     ASSERT_TRUE(server_->WaitForStall());
-    ASSERT_TRUE(WaitUntil([this] { return FileSize(TempPath(L"launcher.update")) >= kStall; }));
+    ASSERT_TRUE(WaitUntil([this] { return FileSize(UpdateFile()) >= kStall; }));
   }
-  // Starts an update that comes to nothing, and returns its prompt.
-  InstallerBox StartAndFail(const std::wstring& commandLine = L"") {
-    Announce();
-    OfferNewProgram("something else");
-    Start(commandLine, program_);
-    EXPECT_TRUE(WaitUntil([this] { return FindBox(Process().Id()).text.starts_with(L"Please download"); }));
-    return FindBox(Process().Id());
+  // A folder in its place denies every access to the file, even to an administrator.
+  InstallerBox StartWithoutAccess() {
+    CreateDirectoryW(UpdateFile().c_str(), nullptr);
+    StartUpdate();
+    return ExpectBox(L"Fix permissions?");
   }
 
-  void ExpectNoBackup() {
+  std::wstring UpdateFile() const { return TempPath(L"launcher.update"); }
+  void ExpectReplaced() {
+    FollowRelaunch();
+    EXPECT_EQ(Process().File(), program_);
+    AwaitList();
+    ExpectContent(program_, new_);
     EXPECT_TRUE(WaitUntil([this] { return !PathExists(backup_); }));
   }
-  void CloseAndExpectExit() {
-    Close();
+  void ExpectUnchanged() {
+    ExpectContent(program_, old_);
+    EXPECT_FALSE(PathExists(backup_));
+  }
+  // Nothing of it is left, on the screen or in the temporary folder.
+  void ExpectEndWithoutUpdate() {
     ExpectExit();
     EXPECT_EQ(FindInstallerWindow(), nullptr);
+    EXPECT_FALSE(FindBox(Process().Id()).window);
+    EXPECT_TRUE(!PathExists(UpdateFile()) || IsDirectory(UpdateFile()) || DeleteFileW(UpdateFile().c_str()))
+        << "still in use: " << GetLastError();
+    ExpectUnchanged();
+  }
+  void ExpectPromptAndEnd(const std::wstring& errorLine, const std::string& page) {
+    const InstallerBox box = ExpectBox(L"Please download the latest version of this app from:\n" +
+                                       std::wstring(page.begin(), page.end()) + L"\n\nOpen?");
+    EXPECT_EQ(box.caption, L"Update");
+    EXPECT_EQ(box.text.substr(0, box.text.find(errorLine.empty() ? L'P' : L'\n')), errorLine);
+    AnswerBox(box, IDNO);
+    ExpectEndWithoutUpdate();
   }
 
-  static constexpr size_t kStall = 400 * 1024;
   const TempFolder folder_;
-  const std::wstring program_ = folder_ / kProgramName, backup_ = program_ + L".backup";
-  const std::string old_ = ReadTestFile(InstallerProcess::ProgramPath()), new_ = old_ + "newer";
+  std::wstring program_, backup_;
+  const std::string old_ = ReadTestFile(InstallerProcess::ProgramPath());
+  std::string new_ = old_ + "newer";
   const TestPackage package_{.filename = "a.dat", .content = "a", .name = "A"};
 };
 
@@ -94,62 +120,157 @@ TEST_F(SelfUpdate, ReplacesItselfAndStartsAnew) {
   EXPECT_EQ(ShownText(Window()), L"Zendora Installer") << "the main window doesn't answer";
   EXPECT_FALSE(IsWindowEnabled(Window()));
   server_->Resume();
-
-  FollowRelaunch();
-  EXPECT_EQ(Process().File(), program_);
-  ExpectContent(program_, new_);
-  ExpectNoBackup();
-  AwaitList();
+  ExpectReplaced();
   EXPECT_TRUE(IsWindowEnabled(Window()));
   EXPECT_EQ(server_->RequestsOf("/new.exe").size(), 1u);
-  CloseAndExpectExit();
 }
 
-TEST_F(SelfUpdate, ClosingEndsTheDownload) {
-  StartAndStall();
-  CloseAndExpectExit();
-  EXPECT_TRUE(DeleteFileW(TempPath(L"launcher.update").c_str())) << "still in use: " << GetLastError();
-  ExpectContent(program_, old_);
-  EXPECT_FALSE(PathExists(backup_));
+TEST_F(SelfUpdate, TriesOneAddressAfterTheOther) {
+  WriteTestFile(UpdateFile(), "what an earlier attempt left");
+  StartUpdate({kOther, kMissing, kNew, kOther});
+  ExpectReplaced();
+  EXPECT_EQ(server_->RequestsOf("/other.exe").size(), 1u);
+  EXPECT_EQ(server_->RequestsOf("/missing.exe").size(), 1u);
+  EXPECT_EQ(server_->RequestsOf("/new.exe").front().headers.count("range"), 0u)
+      << "what lies there isn't its beginning";
+}
+
+TEST_F(SelfUpdate, UsesWhatAnEarlierAttemptHasBrought) {
+  WriteTestFile(UpdateFile(), new_);
+  StartUpdate();
+  ExpectReplaced();
+  EXPECT_TRUE(server_->RequestsOf("/new.exe").empty());
 }
 
 // Nor does it install what the command line asked for.
-TEST_F(SelfUpdate, AnsweringThePromptEndsTheProgram) {
-  const InstallerBox box = StartAndFail(L"install:a.dat source:main");
-  EXPECT_EQ(box.caption, L"Update");
-  EXPECT_EQ(box.text, L"Please download the latest version of this app from:\nhttp://zendora.example/help\n\nOpen?");
-  AnswerBox(box, IDNO);
-  ExpectExit();
-  EXPECT_EQ(FindInstallerWindow(), nullptr);
-  ExpectContent(program_, old_);
+TEST_F(SelfUpdate, TellsWhereToGetTheProgram) {
+  const struct {
+    std::vector<std::string> addresses;
+    std::string helpPage, shown;
+  } cases[] = {{{kOther, kMissing}, kHelpPage, kHelpPage},
+               {{kOther, kMissing}, "", kOther},
+               {{}, "", "https://zendora.example/play/"}};
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.shown);
+    StartUpdate(test.addresses, test.helpPage, L"install:a.dat source:main");
+    ExpectPromptAndEnd(L"", test.shown);
+  }
   EXPECT_TRUE(server_->RequestsOf(FilePath(package_)).empty());
 }
 
-TEST_F(SelfUpdate, AKillDuringTheDownloadHarmsNothing) {
+TEST_F(SelfUpdate, AClickMeanwhileTellsWhereToGetTheProgram) {
   StartAndStall();
-  Process().Kill();
-  ExpectContent(program_, old_);
-  Start(L"", program_);
-  AwaitList();
+  const HWND selectFolder = ChildAt(Window(), WC_BUTTONW, 475, 30);
+  PostMessageW(Window(), WM_COMMAND, BN_CLICKED << 16, reinterpret_cast<LPARAM>(selectFolder));
+  ExpectPromptAndEnd(L"", "https://zendora.example/play/");
 }
 
-// Whatever the moment, a whole program is there; and once it was started, it is the only one.
-TEST_F(SelfUpdate, AKillWhileItIsReplacedLeavesAWholeProgram) {
-  Announce();
-  Start(L"", program_);
-  EXPECT_TRUE(WaitUntil([this] { return PathExists(backup_); }));
-  KillProgramsOfThisTest();
-  const bool replaced = ReadWholeFile(program_) == new_;
-  if (!replaced) ExpectContent(backup_, old_);
-  Start(L"", replaced ? program_ : backup_);
-  AwaitList();
-  ExpectNoBackup();
-  ExpectContent(program_, replaced ? new_ : old_);
+TEST_F(SelfUpdate, GoesOnWhenTheNetworkIsBack) {
+  StartAndStall(L"", kStall);
+  server_->StopListening();
+  server_->Resume();
+  Sleep(3000);
+  server_.reset();
+  StartServer();
+  Offer({package_});
+  server_->Answer("/new.exe", {.body = new_});
+  ExpectReplaced();
+}
+
+// Sixty times, one second apart.
+TEST_F(SelfUpdate, GivesAnAddressUpThatIsGoneForAMinute) {
+  StartUpdate({kNobodyListens, kNew});
+  const ULONGLONG start = GetTickCount64();
+  EXPECT_TRUE(WaitUntil([this] { return !Process().Runs(); }, std::chrono::seconds(120)));
+  EXPECT_GE(GetTickCount64() - start, 60'000u);
+  ExpectReplaced();
+}
+
+TEST_F(SelfUpdate, RepairsPermissionsOnRequest) {
+  const InstallerBox question = StartWithoutAccess();
+  EXPECT_EQ(question.caption, L"Update");
+  EXPECT_TRUE(question.text.starts_with(L"Error: 5\n"));
+  RemoveDirectoryW(UpdateFile().c_str());
+  AnswerBox(question, IDYES);
+  ExpectReplaced();
+}
+
+TEST_F(SelfUpdate, LeavesPermissionsAloneOtherwise) {
+  AnswerBox(StartWithoutAccess(), IDNO);
+  ExpectPromptAndEnd(L"Error: 5", kHelpPage);
+}
+
+TEST_F(SelfUpdate, KeepsAProgramThatCannotBeReplaced) {
+  const struct {
+    const wchar_t *folder, *error;
+  } cases[] = {{L"C:\\locked", L"Error: 5"}, {L"C:\\full", L"Error: 112"}};
+  for (const auto& test : cases) {
+    if (!IsDirectory(test.folder)) GTEST_SKIP() << "no such disks here";
+    SCOPED_TRACE(testing::PrintToString(test.folder));
+    PlaceProgramIn(test.folder);
+    CopyFileW(InstallerProcess::ProgramPath().c_str(), program_.c_str(), FALSE);
+    StartUpdate();
+    ExpectPromptAndEnd(test.error, kHelpPage);
+    DeleteFileW(program_.c_str());
+  }
+}
+
+TEST_F(SelfUpdate, ClosingEndsItAtAnyMoment) {
+  const std::function<void()> moments[] = {
+      [this] { StartAndStall(); },
+      [this] {
+        StartUpdate({kNobodyListens});
+        ExpectBox();
+      },
+      [this] {
+        StartUpdate({kOther});
+        ExpectBox(L"Please download");
+      },
+      [this] { StartWithoutAccess(); },
+  };
+  for (const auto& reachMoment : moments) {
+    SCOPED_TRACE(&reachMoment - moments);
+    reachMoment();
+    Close();
+    ExpectEndWithoutUpdate();
+  }
+}
+
+// Whatever the moment, a whole program is there; and once it was started, it is the only one. The new program is large,
+// so that there are moments when it is half copied.
+TEST_F(SelfUpdate, AKillAtAnyMomentLeavesAWholeProgram) {
+  new_ = old_ + TestBytes(60'000'000);
+  const auto afterDownload = [](DWORD milliseconds) { return [=] { Sleep(milliseconds); }; };
+  const auto afterMove = [this](DWORD milliseconds) {
+    return [=, this] {
+      EXPECT_TRUE(WaitUntil([this] { return PathExists(backup_); }));
+      Sleep(milliseconds);
+    };
+  };
+  const std::function<void()> moments[] = {afterDownload(0), afterDownload(300), afterMove(0), afterMove(10),
+                                           afterMove(200)};
+  for (const auto& awaitMoment : moments) {
+    SCOPED_TRACE(&awaitMoment - moments);
+    DeleteFileW(UpdateFile().c_str());
+    WriteTestFile(program_, old_);
+    StartAndStall();
+    server_->Resume();
+    awaitMoment();
+    KillProgramsOfThisTest();
+    const auto left = ReadWholeFile(program_);
+    const bool whole = left == old_ || left == new_;
+    if (!whole) ExpectContent(backup_, old_);
+    Start(L"", whole ? program_ : backup_);
+    AwaitList();
+    EXPECT_TRUE(WaitUntil([this] { return !PathExists(backup_); }));
+    ExpectContent(program_, whole ? *left : old_);
+    Process().Kill();
+  }
 }
 
 TEST_F(SelfUpdate, AForgottenCopyIsRemoved) {
   WriteTestFile(program_, new_);
-  WriteTestFile(TempPath(L"launcher.update"), new_);
+  WriteTestFile(UpdateFile(), new_);
   WriteTestFile(backup_, old_);
   Start(L"", program_);
   AwaitList();

@@ -34,17 +34,18 @@ sockaddr_in LoopbackAddress(u_short port) {
   return address;
 }
 
-void MakeNonBlocking(SOCKET socket) {
-  u_long on = 1;
-  ioctlsocket(socket, static_cast<long>(FIONBIO), &on);
-}
-
-void Bind(SOCKET socket, u_short port) {
-  const sockaddr_in address = LoopbackAddress(port);
-  const int status = bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-  if (status == 0) return;
-  ADD_FAILURE() << "port " << port << " can't be bound: " << WSAGetLastError();
-  std::abort();  // every later line of the test would only hide this one
+Socket Listen() {
+  Socket listener(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+  // The last test's connections may not have left the port yet.
+  const BOOL on = TRUE;
+  setsockopt(listener.Get(), SOL_SOCKET, SO_REUSEADDR, reinterpret_cast<const char*>(&on), sizeof on);
+  const sockaddr_in address = LoopbackAddress(80);
+  if (bind(listener.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    ADD_FAILURE() << "port 80 can't be bound: " << WSAGetLastError();
+    std::abort();  // every later line of the test would only hide this one
+  }
+  listen(listener.Get(), SOMAXCONN);
+  return listener;
 }
 
 std::string LowerCase(std::string text) {
@@ -106,12 +107,9 @@ Response BuildResponse(const RecordedRequest& request, const ScriptedAnswer& ans
 }  // namespace
 
 struct ScriptedServer::State {
-  // Set up before any thread, and not changed afterwards.
-  Socket listener;
-  Socket wake;  // readable from the moment that the server stops, which ends every wait for another socket
+  Socket listener = Listen();
+  std::atomic<bool> listening = true, stopping = false;
   std::thread acceptor;
-  std::atomic<bool> listening = true;
-
   std::vector<std::thread> connections;  // of the acceptor, until it has ended
 
   mutable std::mutex mutex;  // for all below
@@ -121,10 +119,7 @@ struct ScriptedServer::State {
   std::vector<RecordedRequest> requests;
   int stalled = 0;  // answers
   int resumes = 0;
-  bool stopping = false;
 
-  // Waits until a socket can be read from or written to; false when the server stops.
-  bool WaitFor(SOCKET socket, bool writing) const;
   void Accept();
   void Serve(Socket connection);
   bool Receive(SOCKET connection, std::string& bytes) const;
@@ -136,24 +131,14 @@ struct ScriptedServer::State {
   bool Pause(uint32_t milliseconds);
 };
 
-bool ScriptedServer::State::WaitFor(SOCKET socket, bool writing) const {
-  fd_set readable, writable;
-  FD_ZERO(&readable);
-  FD_ZERO(&writable);
-  readable.fd_array[readable.fd_count++] = wake.Get();
-  fd_set& wanted = writing ? writable : readable;
-  wanted.fd_array[wanted.fd_count++] = socket;
-  if (select(0, &readable, &writable, nullptr, nullptr) <= 0) return false;
-  return std::find(readable.fd_array, readable.fd_array + readable.fd_count, wake.Get()) ==
-         readable.fd_array + readable.fd_count;
-}
-
 void ScriptedServer::State::Accept() {
-  while (WaitFor(listener.Get(), false)) {
+  while (true) {
     Socket connection(accept(listener.Get(), nullptr, nullptr));
     if (!listening) return;
     if (!connection) continue;
-    MakeNonBlocking(connection.Get());
+    const DWORD receiveLimitMs = 50;  // after which a connection looks whether the server stops
+    setsockopt(connection.Get(), SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&receiveLimitMs),
+               sizeof receiveLimitMs);
     connections.emplace_back([this, owned = std::move(connection)]() mutable { Serve(std::move(owned)); });
   }
 }
@@ -172,11 +157,13 @@ void ScriptedServer::State::Serve(Socket connection) {
   while (Receive(connection.Get(), rest)) rest.clear();
 }
 
-// Appends what has come; false at the end of the connection.
+// Appends what has come; false at the end of the connection, or when the server stops.
 bool ScriptedServer::State::Receive(SOCKET connection, std::string& bytes) const {
-  if (!WaitFor(connection, false)) return false;
   char chunk[kChunk];
-  const int count = recv(connection, chunk, sizeof chunk, 0);
+  int count;
+  do {
+    count = recv(connection, chunk, sizeof chunk, 0);
+  } while (count < 0 && WSAGetLastError() == WSAETIMEDOUT && !stopping);
   if (count <= 0) return false;
   bytes.append(chunk, static_cast<size_t>(count));
   return true;
@@ -202,13 +189,9 @@ bool ScriptedServer::State::ReceiveRequest(SOCKET connection, RecordedRequest& r
 
 bool ScriptedServer::State::Send(SOCKET connection, std::string_view bytes) const {
   while (!bytes.empty()) {
-    if (!WaitFor(connection, true)) return false;
     const int count = send(connection, bytes.data(), static_cast<int>(bytes.size()), 0);
-    if (count > 0) {
-      bytes.remove_prefix(static_cast<size_t>(count));
-    } else if (WSAGetLastError() != WSAEWOULDBLOCK) {
-      return false;
-    }
+    if (count <= 0) return false;
+    bytes.remove_prefix(static_cast<size_t>(count));
   }
   return true;
 }
@@ -252,41 +235,29 @@ bool ScriptedServer::State::Stall() {
   std::unique_lock lock(mutex);
   ++stalled;
   changed.notify_all();
-  changed.wait(lock, [this, before = resumes] { return resumes != before || stopping; });
+  changed.wait(lock, [this, before = resumes] { return resumes != before || stopping.load(); });
   return !stopping;
 }
 
 bool ScriptedServer::State::Pause(uint32_t milliseconds) {
   std::unique_lock lock(mutex);
-  return !changed.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return stopping; });
+  return !changed.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return stopping.load(); });
 }
 
-ScriptedServer::ScriptedServer() : state_(new State) {
+ScriptedServer::ScriptedServer() {
   WSADATA data;
   WSAStartup(MAKEWORD(2, 2), &data);
-  state_->wake = Socket(socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
-  Bind(state_->wake.Get(), 0);
-  state_->listener = Socket(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
-  // The last test's connections may not have left the port yet.
-  const BOOL on = TRUE;
-  setsockopt(state_->listener.Get(), SOL_SOCKET, SO_REUSEADDR, reinterpret_cast<const char*>(&on), sizeof on);
-  Bind(state_->listener.Get(), 80);
-  MakeNonBlocking(state_->listener.Get());
-  listen(state_->listener.Get(), SOMAXCONN);
+  state_ = new State;
   state_->acceptor = std::thread([this] { state_->Accept(); });
 }
 
 ScriptedServer::~ScriptedServer() {
+  if (state_->listening) StopListening();
   {
     const std::lock_guard lock(state_->mutex);
     state_->stopping = true;
   }
   state_->changed.notify_all();
-  sockaddr_in wake = {};
-  int length = sizeof wake;
-  getsockname(state_->wake.Get(), reinterpret_cast<sockaddr*>(&wake), &length);
-  sendto(state_->wake.Get(), "!", 1, 0, reinterpret_cast<const sockaddr*>(&wake), length);
-  if (state_->acceptor.joinable()) state_->acceptor.join();
   for (std::thread& connection : state_->connections) connection.join();
   delete state_;
   WSACleanup();
