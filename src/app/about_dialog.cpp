@@ -1,8 +1,6 @@
 #include "app/about_dialog.h"
 
 #include <windows.h>
-// shellapi.h needs windows.h before it.
-#include <shellapi.h>
 
 #include <string>
 
@@ -10,6 +8,7 @@
 #include "app/dialogs.h"
 #include "app/localization.h"
 #include "app/theme.h"
+#include "system/process.h"
 #include "system/text.h"
 
 namespace {
@@ -33,10 +32,7 @@ std::wstring WindowText(HWND window) {
 }
 
 // The buttons show addresses without their scheme.
-void OpenLink(HWND button) {
-  const std::wstring address = L"https://" + WindowText(button);
-  ShellExecuteW(nullptr, L"open", address.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
-}
+void OpenLink(HWND button) { OpenAddress(L"https://" + WindowText(button)); }
 
 void OnCommand(HWND dialog, int id) {
   if (id == IDOK || id == IDCANCEL) {

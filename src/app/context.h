@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "system/handles.h"
@@ -19,6 +20,8 @@ inline constexpr wchar_t kProductTitle[] = L"Zendora Installer";
 inline constexpr char kProductVersion[] = "4.0.8";
 inline constexpr wchar_t kWindowClassName[] = L"Zendora_Installer";
 inline constexpr wchar_t kApplicationId[] = L"app.zendora.installer";
+inline constexpr std::wstring_view kManifestName = L"manifest.xml";  // of the cached manifest's file
+inline constexpr std::wstring_view kBackupExtension = L".backup";    // of what a self-update leaves behind
 
 enum Page : int { NoPage = 0, ComponentsPage = 1, InstallPage = 2, ClosingPage = 3 };
 
@@ -55,7 +58,7 @@ struct AppContext {
   // Paths; none is longer than kMaxPathLength characters
   std::wstring registryKeyPath;  // below HKEY_CURRENT_USER
   std::wstring exePath;
-  std::wstring backupPath;  // what a self-update leaves behind
+  std::wstring backupPath;  // exePath with kBackupExtension
   std::wstring appDataPath;
   std::wstring dataDir;
   SharedValue<std::wstring> tmpPath;      // also written by the UI thread's folder picker; read by all threads
@@ -74,13 +77,13 @@ struct AppContext {
 
   // Window, threads and shutdown
   SharedWord<int> currentPage{NoPage};  // a Page; written by the UI thread, read by all
-  // The controls of the page that is shown; null while the page doesn't exist. Written by the UI thread, which
-  // replaces a page only when no other thread writes to its controls.
+  // The controls of the page that is shown; null while the page doesn't exist. Written by the UI thread. The record of
+  // a page that was replaced stays, because another thread may hold it.
   SharedWord<ComponentsPageControls*> componentsPage;
   SharedWord<InstallPageControls*> installPage;
   KernelHandle manifestThread, workerThread;  // UI thread
   bool darkModeSupported = false;
-  SharedWord<bool> darkMode;         // UI thread; read by the manifest thread
+  SharedWord<bool> darkMode;         // written by the UI thread and by that of the update dialog; read by both
   SharedWord<bool> cancelRequested;  // set by the UI thread and the worker, never cleared; polled by all
   // Closing the window waits while it is set. Written by the worker, and by the self-update while it replaces the
   // program; read by the UI thread.

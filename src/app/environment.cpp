@@ -3,14 +3,13 @@
 #include <windows.h>
 
 #include "app/context.h"
+#include "system/modules.h"
 #include "system/path_names.h"
 #include "system/text.h"
 
 namespace {
 
 constexpr wchar_t kDataFolders[] = L"Zendora\\Installer";
-constexpr wchar_t kManifestName[] = L"manifest.xml";
-constexpr wchar_t kBackupExtension[] = L".backup";
 
 // The high bits of RtlGetNtVersionNumbers' build tell checked from free builds.
 constexpr uint32_t kBuildNumberMask = 0x0FFFFFFF;
@@ -35,7 +34,7 @@ std::wstring ManifestBelow(const std::wstring& appDataPath) {
 void ProbePaths() {
   app.registryKeyPath = std::wstring(L"SOFTWARE\\") + kProductTitle;
   app.exePath = PathOfExecutable();
-  const std::wstring backup = app.exePath + kBackupExtension;
+  const std::wstring backup = app.exePath + std::wstring(kBackupExtension);
   const bool backupFits = !app.exePath.empty() && backup.size() <= kMaxPathLength;
   app.backupPath = backupFits ? backup : L"";
   app.appDataPath = EnvironmentVariable(L"APPDATA");
@@ -52,8 +51,8 @@ bool IsWow64() {
 // Unlike GetVersionExW this one tells the truth whatever the application manifest says.
 void AskNtdllForVersion() {
   using GetVersionNumbers = void(WINAPI*)(DWORD * major, DWORD * minor, DWORD * build);
-  const auto getVersionNumbers = reinterpret_cast<GetVersionNumbers>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetNtVersionNumbers")));
+  const auto getVersionNumbers =
+      FindFunction<GetVersionNumbers>(GetModuleHandleW(L"ntdll.dll"), "RtlGetNtVersionNumbers");
   if (!getVersionNumbers) return;
   DWORD major = 0, minor = 0, build = 0;
   getVersionNumbers(&major, &minor, &build);

@@ -13,33 +13,38 @@
 #include "app/single_instance.h"
 #include "app/theme.h"
 #include "net/self_update.h"
+#include "system/modules.h"
 
 namespace {
-
-template <typename Function>
-Function FindFunction(const wchar_t* module, const char* name) {
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(module), name)));
-}
 
 // System libraries load others by bare name while the program runs, and would find them beside it first: in the
 // folder where browsers put downloads. Updates brought this function to Vista and 7.
 void SearchLibrariesInSystemFolderOnly() {
   using SetDirectories = BOOL(WINAPI*)(DWORD flags);
   constexpr DWORD kSearchSystem32 = 0x00000800;
-  const auto setDirectories = FindFunction<SetDirectories>(L"kernel32.dll", "SetDefaultDllDirectories");
+  const auto setDirectories =
+      FindFunction<SetDirectories>(GetModuleHandleW(L"kernel32.dll"), "SetDefaultDllDirectories");
   if (setDirectories) setDirectories(kSearchSystem32);
 }
 
 // One taskbar button for this program and the one that it relaunches. Vista lacks the function.
 void SetApplicationId() {
   using SetId = HRESULT(WINAPI*)(const wchar_t* id);
-  const auto setId = FindFunction<SetId>(L"shell32.dll", "SetCurrentProcessExplicitAppUserModelID");
+  const auto setId = FindFunction<SetId>(GetModuleHandleW(L"shell32.dll"), "SetCurrentProcessExplicitAppUserModelID");
   if (setId) setId(kApplicationId);
 }
 
 void SetUpwardCalls() {
   app.upward.buildMainMenu = BuildMainMenu;
   app.upward.runSelfUpdate = RunSelfUpdate;
+}
+
+// Looking for a default folder on the drives would raise a system box for a card reader without a card. The mode is not
+// kept, because programs that this one starts inherit it and would hide their own troubles.
+void LoadSettingsQuietly() {
+  const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS);
+  LoadSettings();
+  SetErrorMode(mode);
 }
 
 int RunMessageLoop() {
@@ -61,7 +66,7 @@ int RunProgram(HINSTANCE instance, const std::wstring& commandLine, int showComm
   SetApplicationId();
   ProbeEnvironment();
   if (!commandLine.empty()) ParseCommandLine(commandLine);
-  LoadSettings();
+  LoadSettingsQuietly();
   RestoreReplacedProgram();
   SetThreadLanguage(app.uiLanguage);
   SetupDarkMode();
@@ -73,8 +78,6 @@ int RunProgram(HINSTANCE instance, const std::wstring& commandLine, int showComm
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, wchar_t* commandLine, int showCommand) {
-  // Looking at the drives would otherwise raise a system box for a card reader without a card.
-  SetErrorMode(SEM_FAILCRITICALERRORS);
   SearchLibrariesInSystemFolderOnly();
   const int exitCode = RunProgram(instance, commandLine, showCommand);
   // The manifest thread and the worker may still run, and are not waited for. To return would destroy static objects

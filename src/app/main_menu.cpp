@@ -8,6 +8,7 @@
 #include "app/localization.h"
 #include "manifest/manifest_store.h"
 #include "system/text.h"
+#include "system/window_thread.h"
 
 namespace {
 
@@ -53,8 +54,8 @@ HMENU BuildSourcePopup() {
   return popup;
 }
 
-// In the calling thread's language, which is `language`.
-HMENU BuildMenu(uint32_t language) {
+HMENU BuildMenu() {
+  const uint32_t language = app.uiLanguage;
   const HMENU menu = LoadMenuW(app.instance, MAKEINTRESOURCEW(MENU_MAIN));
   const auto& names = UiLanguages();
   const auto name = names.find(language);
@@ -71,23 +72,25 @@ HMENU BuildMenu(uint32_t language) {
   return menu;
 }
 
-// A menu that is no window's is nobody's: what the window had, or the new one if the window is gone.
+bool IsMenuOpen() {
+  GUITHREADINFO thread = {};
+  thread.cbSize = sizeof thread;
+  return GetGUIThreadInfo(GetCurrentThreadId(), &thread) && (thread.flags & GUI_INMENUMODE) != 0;
+}
+
+// A menu that is no window's is nobody's. One that the user has open is still in use; it is left to the process.
 void ReplaceMenu(HMENU menu) {
-  const HWND window = app.mainWindow;
-  const HMENU previous = GetMenu(window);
-  DestroyMenu(SetMenu(window, menu) ? previous : menu);
+  const HMENU previous = GetMenu(app.mainWindow);
+  if (!SetMenu(app.mainWindow, menu)) {
+    DestroyMenu(menu);
+  } else if (!IsMenuOpen()) {
+    DestroyMenu(previous);
+  }
 }
 
 }  // namespace
 
 void BuildMainMenu() {
-  const uint32_t ownLanguage = ThreadLanguage();
-  uint32_t language;
-  // The manifest thread may be here while the user picks another language: the last menu is in the latest one.
-  do {
-    language = app.uiLanguage;
-    SetThreadLanguage(language);
-    ReplaceMenu(BuildMenu(language));
-  } while (language != app.uiLanguage);
-  SetThreadLanguage(ownLanguage);
+  // The window's own thread, whose texts are in the latest language, so that of two menus the later one stays.
+  RunOnThreadOf(app.mainWindow, [] { ReplaceMenu(BuildMenu()); });
 }

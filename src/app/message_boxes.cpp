@@ -1,7 +1,5 @@
 #include "app/message_boxes.h"
 
-#include <shellapi.h>
-
 #include "app/context.h"
 #include "app/localization.h"
 #include "app/site.h"
@@ -71,7 +69,7 @@ void PromptDownloadLatest(const std::wstring& address) {
   const std::wstring text = UpdateErrorLines(error) + LoadLocalizedString(STR_DOWNLOAD_LATEST) + L":\n" + page +
                             L"\n\n" + LoadLocalizedString(STR_OPEN) + L"?";
   if (ShowBox(text, LoadLocalizedString(STR_UPDATE), MB_YESNO | MB_ICONQUESTION) == IDYES) {
-    ShellExecuteW(nullptr, L"open", page.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+    OpenAddress(page);
   }
   if (app.updateInProgress) PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
 }

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr std::wstring_view kBackupSuffix = L".backup";
-
 // The update was interrupted while it copied the new program there.
 bool IsUnfinishedCopy(const std::wstring& program) {
   const std::string whole = ComputeFileMd5(UpdateFilePath(), nullptr);
@@ -25,7 +23,7 @@ void RemoveReplacedProgram() {
   constexpr int kTries = 20;
   constexpr DWORD kPauseMs = 50;
   const int tries = app.mainWindow ? 1 : kTries;  // a window must not freeze meanwhile
-  for (int i = 0; i < tries && !DeleteFileW(app.backupPath.c_str()); ++i) {
+  for (int i = 1; !DeleteFileW(app.backupPath.c_str()) && i < tries; ++i) {
     const DWORD error = GetLastError();
     if (error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) return;
     Sleep(kPauseMs);
@@ -33,8 +31,8 @@ void RemoveReplacedProgram() {
 }
 
 void RestoreReplacedProgram() {
-  if (!app.exePath.ends_with(kBackupSuffix)) return;
-  const std::wstring program = app.exePath.substr(0, app.exePath.size() - kBackupSuffix.size());
+  if (!app.exePath.ends_with(kBackupExtension)) return;
+  const std::wstring program = app.exePath.substr(0, app.exePath.size() - kBackupExtension.size());
   if (PathExists(program) && !IsUnfinishedCopy(program)) return;
   if (!MoveFileExW(app.exePath.c_str(), program.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return;
   app.backupPath = app.exePath;

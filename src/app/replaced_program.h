@@ -7,7 +7,7 @@
 std::wstring UpdateFilePath();
 
 // Removes the copy after an update. The program that was updated may still be ending, and can't be removed before it
-// has: that is waited for, one second at most.
+// has: that is waited for, one second at most, unless the window is there already.
 void RemoveReplacedProgram();
 
 // Where an update was interrupted between its two steps, the copy is all that is left; started under its own name, it

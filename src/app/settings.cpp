@@ -14,6 +14,7 @@
 #include "manifest/default_install_path.h"
 #include "system/files.h"
 #include "system/path_names.h"
+#include "system/registry.h"
 
 namespace {
 
@@ -37,11 +38,7 @@ uint32_t ReadNumber(const RegKey& key, const wchar_t* name) {
 }
 
 std::wstring ReadPath(const RegKey& key, const wchar_t* name) {
-  wchar_t path[kMaxPathLength + 1];
-  DWORD size = sizeof path;
-  if (!key) return {};
-  const LSTATUS status = RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_SZ, nullptr, path, &size);
-  return status == ERROR_SUCCESS ? path : L"";
+  return key ? ReadRegistryText(key.Get(), nullptr, name).value_or(L"") : L"";
 }
 
 std::string ReadUuid(const RegKey& key, const char* name) {
@@ -118,7 +115,6 @@ void SettleUuid(const std::string& stored) {
 
 // A folder whose manifest copy would not fit a path can't be used either.
 void SettleTmpPath(const std::wstring& stored) {
-  constexpr wchar_t kManifestName[] = L"manifest.xml";
   const bool usable = IsDirectory(stored) && JoinPath(stored, kManifestName).size() <= kMaxPathLength;
   const std::wstring& path = usable ? stored : app.dataDir;
   app.tmpPath.Set(path);

@@ -1,12 +1,12 @@
 #include "app/theme_api.h"
 
-#include "system/files.h"
+#include "system/modules.h"
 
 namespace {
 
 template <typename Entry>
 void LookUp(HMODULE module, const char* name, Entry& entry) {
-  entry = reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+  entry = FindFunction<Entry>(module, name);
 }
 
 template <typename Entry>

@@ -27,8 +27,6 @@ INT_PTR CALLBACK UpdateProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
 
 void ShowText(int control, const std::wstring& text) { SetDlgItemTextW(updateDialog, control, text.c_str()); }
 
-std::wstring SizeText(uint64_t bytes) { return FormatByteSize(static_cast<int64_t>(bytes)); }
-
 }  // namespace
 
 HWND CreateUpdateDialog(uint32_t announcedSize) {
@@ -52,11 +50,11 @@ void ClearUpdateDisplay() {
 void OnUpdateDownloadProgress(DownloadProgress* progress) {
   if (progress->transferStartTick == 0) {
     progress->total = std::max<uint64_t>(progress->total, announcedFileSize);
-    if (progress->total != 0) ShowText(UPDATE_TOTAL, SizeText(progress->total));
+    if (progress->total != 0) ShowText(UPDATE_TOTAL, FormatByteSize(progress->total));
   }
   if (progress->total != 0) {
     const float percent = static_cast<float>(progress->downloaded) * 100.0f / static_cast<float>(progress->total);
     ShowUpdateProgress(static_cast<int>(std::min(percent, 100.0f)));
   }
-  ShowText(UPDATE_RECEIVED, SizeText(progress->downloaded));
+  ShowText(UPDATE_RECEIVED, FormatByteSize(progress->downloaded));
 }

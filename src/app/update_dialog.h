@@ -1,5 +1,5 @@
 // The window that shows how far a self-update is. Modeless; it belongs to the thread that creates it, which must serve
-// its messages (system/message_pump.h). The other functions may run on any thread.
+// its messages (system/message_pump.h). The other functions may run on any thread that has set its language.
 #pragma once
 
 #include <windows.h>

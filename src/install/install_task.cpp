@@ -68,13 +68,20 @@ void WaitForEnd(HANDLE process) {
   if (running) TerminateProcess(process, 0);
 }
 
+// By its full path: of a bare name the shell looks into the current folder first, and this program runs elevated.
+std::wstring ExplorerPath() {
+  wchar_t folder[MAX_PATH] = {};
+  GetWindowsDirectoryW(folder, MAX_PATH);
+  return JoinPath(folder, L"explorer.exe");
+}
+
 // Asks whether the user wants to see the program's file, to start it by hand.
 void OfferManualStart(const std::wstring& program) {
   const std::wstring text = LoadLocalizedString(STR_CANNOT_START_PROCESS) + L"\n\n" +
                             LoadLocalizedString(STR_START_MANUALLY) + L":\n" + program + L"\n\n" +
                             LoadLocalizedString(STR_OPEN) + L"?";
   if (ShowBox(text, LoadLocalizedString(STR_ERROR), MB_YESNO | MB_ICONERROR) != IDYES) return;
-  ShellExecuteW(nullptr, nullptr, L"explorer.exe", (L"/select, " + program).c_str(), nullptr, SW_SHOWDEFAULT);
+  ShellExecuteW(nullptr, nullptr, ExplorerPath().c_str(), (L"/select, " + program).c_str(), nullptr, SW_SHOWDEFAULT);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 
 #include "app/context.h"
 #include "app/localization.h"
+#include "app/message_boxes.h"
 #include "app/settings.h"
 #include "manifest/game_paths.h"
 #include "system/com.h"
@@ -69,7 +70,7 @@ bool IsOnDesktop(const std::wstring& path) {
 bool UserWantsAnotherFolder() {
   const std::wstring text =
       LoadLocalizedString(STR_DESKTOP_NOT_RECOMMENDED) + L"\n" + LoadLocalizedString(STR_SELECT_ANOTHER_DIRECTORY);
-  return MessageBoxW(app.mainWindow, text.c_str(), LoadLocalizedString(STR_FOLDER).c_str(), MB_YESNO) == IDYES;
+  return ShowBox(text, LoadLocalizedString(STR_FOLDER), MB_YESNO) == IDYES;
 }
 
 bool BrowseForInstallFolder(HWND owner) {

@@ -137,8 +137,8 @@ void UpdateTotalSize() {
   }
   std::wstring text;
   if (download != 0) {
-    text = LoadLocalizedString(STR_TOTAL_SIZE) + L": " + FormatByteSize(static_cast<int64_t>(download)) + L" [" +
-           LoadLocalizedString(STR_AFTER_INSTALLATION) + L": " + FormatByteSize(static_cast<int64_t>(installed)) + L"]";
+    text = LoadLocalizedString(STR_TOTAL_SIZE) + L": " + FormatByteSize(download) + L" [" +
+           LoadLocalizedString(STR_AFTER_INSTALLATION) + L": " + FormatByteSize(installed) + L"]";
   }
   page->totalSizeLabel.SetText(text);
 }

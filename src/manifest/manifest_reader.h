@@ -24,5 +24,5 @@ std::optional<std::string> ReadSources(const tinyxml2::XMLElement& root, const s
                                        Manifest& manifest);
 
 // Rebuilds the package order and inserts or replaces packages where the document has any. A missing attribute reads as
-// the empty text; nothing is validated.
+// the empty text, and a negative size as 0; nothing else is validated.
 void ReadPackages(const tinyxml2::XMLElement& root, Manifest& manifest);

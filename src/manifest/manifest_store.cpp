@@ -98,8 +98,10 @@ bool SaveManifestCache() {
   FILE* file = _wfsopen(newPath.c_str(), L"w", _SH_DENYRW);
   if (!file) return false;
   const bool written = WriteAndClose(file, *cacheText.Get());
-  const bool saved = written && MoveFileExW(newPath.c_str(), app.manifestPath.c_str(), MOVEFILE_REPLACE_EXISTING);
-  if (!saved) DeleteFileW(newPath.c_str());
+  // Who looks at the old file meanwhile, a scanner for instance, may forbid to replace it but not to write to it.
+  const bool saved = written && (MoveFileExW(newPath.c_str(), app.manifestPath.c_str(), MOVEFILE_REPLACE_EXISTING) ||
+                                 CopyFileW(newPath.c_str(), app.manifestPath.c_str(), FALSE));
+  DeleteFileW(newPath.c_str());
   // On a full disk there is nothing to repair; but the old cache is outdated and must not be taken for this one.
   if (!written) DeleteFileW(app.manifestPath.c_str());
   return saved || !written;

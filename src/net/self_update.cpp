@@ -44,8 +44,10 @@ bool IsAnnouncedFile(const Update& update) {
 
 HttpResult Download(Update& update, const std::wstring& url) {
   HttpResult result;
-  RunWhileServing(update.dialog,
-                  [&] { result = update.client.DownloadToFile(url, update.file, 0, OnUpdateDownloadProgress); });
+  RunWhileServing(update.dialog, [&, language = ThreadLanguage()] {
+    SetThreadLanguage(language);
+    result = update.client.DownloadToFile(url, update.file, 0, OnUpdateDownloadProgress);
+  });
   return result;
 }
 

@@ -1,6 +1,6 @@
 #include "net/wininet_api.h"
 
-#include "system/files.h"
+#include "system/modules.h"
 
 namespace {
 

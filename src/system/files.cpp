@@ -66,18 +66,13 @@ std::wstring SpecialFolder(int csidl) {
   return SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, path) == S_OK ? path : L"";
 }
 
-std::wstring FormatByteSize(int64_t bytes) {
+std::wstring FormatByteSize(uint64_t bytes) {
   wchar_t text[20];
-  return StrFormatByteSizeW(bytes, text, ARRAYSIZE(text)) ? text : L"";
+  return StrFormatByteSizeW(static_cast<LONGLONG>(bytes), text, ARRAYSIZE(text)) ? text : L"";
 }
 
 std::wstring SystemFilePath(const wchar_t* name) {
   wchar_t folder[MAX_PATH] = {};
   GetSystemDirectoryW(folder, MAX_PATH);
   return JoinPath(folder, name);
-}
-
-HMODULE LoadSystemModule(const wchar_t* name) {
-  // The full path makes the loader look beside that file for its own imports too, not beside this program.
-  return LoadLibraryExW(SystemFilePath(name).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }

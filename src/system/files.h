@@ -28,12 +28,7 @@ std::optional<std::string> ReadWholeFile(const std::wstring& path);
 std::wstring SpecialFolder(int csidl);
 
 // Windows' short byte-size text in the user's locale ("1.45 GB"); empty when the system can't format it. Any thread.
-std::wstring FormatByteSize(int64_t bytes);
+std::wstring FormatByteSize(uint64_t bytes);
 
 // The path of a program or module in the system folder, where no planted one can take its place.
 std::wstring SystemFilePath(const wchar_t* name);
-
-// A module of the system folder, loaded from there and from nowhere else, or null. `name` has no path.
-// The module stays loaded for the life of the process.
-struct HINSTANCE__;
-HINSTANCE__* LoadSystemModule(const wchar_t* name);

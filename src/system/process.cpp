@@ -55,6 +55,11 @@ bool RunProcess(bool elevated, bool reportFailure, const std::wstring& file, con
   return false;
 }
 
+void OpenAddress(const std::wstring& address) {
+  const ComSession session;
+  ShellExecuteW(nullptr, L"open", address.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+}
+
 // The Users group goes by its SID, because its name differs between languages.
 std::wstring BuildRepairParameters(const std::wstring& appDataPath, const std::wstring& userName) {
   return L"/c icacls \"" + appDataPath + L"\" /grant:r " + userName + L":(F) & icacls \"" + appDataPath +
@@ -70,6 +75,7 @@ bool RepairPermissions() {
 
   // By its full path: of a bare name the shell looks into the current folder first, and this runs elevated.
   const std::wstring interpreter = SystemFilePath(L"cmd.exe");
+  const ComSession session;
   SHELLEXECUTEINFOW start = {};
   start.cbSize = sizeof start;
   start.fMask = SEE_MASK_NOCLOSEPROCESS;

@@ -1,4 +1,4 @@
-// Starting other programs, and repairing the permissions of the application-data folders.
+// Starting other programs, opening web addresses, and repairing the permissions of the application-data folders.
 #pragma once
 
 #include <string>
@@ -6,6 +6,9 @@
 // Starts a program without waiting for it, elevated through the consent prompt or normally. True when it was started;
 // otherwise, with `reportFailure`, a message box without owner has told why.
 bool RunProcess(bool elevated, bool reportFailure, const std::wstring& file, const std::wstring& parameters);
+
+// Opens a web address in the user's browser; where that fails, nothing happens.
+void OpenAddress(const std::wstring& address);
 
 // Grants the user and the built-in Users group full control of the application-data folders, with an elevated icacls,
 // and waits for its end. False only when it could not be started.
