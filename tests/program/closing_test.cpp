@@ -12,10 +12,7 @@ class Closing : public InstallerTest {
   // Starts a download and returns while its transfer waits for the server, with some bytes received.
   void StartAndStall() {
     Offer({package_});
-    ScriptedAnswer stalling;
-    stalling.body = package_.content;
-    stalling.stallAfter = kStall;
-    server_->AnswerNext(FilePath(package_), stalling);
+    server_->AnswerNext(FilePath(package_), {.body = package_.content, .stallAfter = kStall});
     Start(L"install:big.dat source:main");
     ASSERT_TRUE(server_->WaitForStall());
     ASSERT_TRUE(WaitUntil([this] { return FileSize(TempPath(L"big.dat")) >= kStall; }));
@@ -24,9 +21,7 @@ class Closing : public InstallerTest {
   // Every source fails, so the worker asks whether to try again.
   InstallerBox StartAndFail() {
     Offer({package_});
-    ScriptedAnswer missing;
-    missing.status = 404;
-    server_->Answer(FilePath(package_), missing);
+    server_->Answer(FilePath(package_), {.status = 404});
     Start(L"install:big.dat source:main");
     return ExpectBox();
   }

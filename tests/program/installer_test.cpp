@@ -155,3 +155,14 @@ void InstallerTest::SetFolder(const wchar_t* setting, const std::wstring& path) 
 void InstallerTest::SetNumber(const wchar_t* setting, DWORD value) {
   RegSetKeyValueW(HKEY_CURRENT_USER, kSettingsKey, setting, REG_DWORD, &value, sizeof value);
 }
+
+DWORD InstallerTest::SettingsCount() {
+  RegKey key;
+  DWORD count = 0;
+  RegOpenKeyExW(HKEY_CURRENT_USER, kSettingsKey, 0, KEY_READ, key.Receive());
+  if (key) {
+    RegQueryInfoKeyW(key.Get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr,
+                     nullptr);
+  }
+  return count;
+}

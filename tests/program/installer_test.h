@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "program/installer_process.h"
-#include "program/installer_window.h"
+#include "window/installer_window.h"
 #include "support/scripted_server.h"
 #include "support/temp_folder.h"
 #include "support/zip_builder.h"
@@ -77,6 +77,8 @@ class InstallerTest : public testing::Test {
   // Puts packages or targets elsewhere; before Start.
   static void SetFolder(const wchar_t* setting, const std::wstring& path);
   static void SetNumber(const wchar_t* setting, DWORD value);
+  // How many settings the program has stored.
+  static DWORD SettingsCount();
 
   std::unique_ptr<ScriptedServer> server_;
   TempFolder games_, downloads_;

@@ -32,11 +32,9 @@ class Resume : public InstallerTest {
   }
 
   // Starts a download and returns while its transfer waits for the server.
-  void StartAndStall(ScriptedAnswer stalling) {
+  void StartAndStall(std::optional<size_t> closeAfter = {}) {
     Offer({package_});
-    stalling.body = package_.content;
-    stalling.stallAfter = kStall;
-    server_->AnswerNext(FilePath(package_), stalling);
+    server_->AnswerNext(FilePath(package_), {.body = package_.content, .closeAfter = closeAfter, .stallAfter = kStall});
     Start(L"install:big.zip source:main");
     ASSERT_TRUE(server_->WaitForStall());
     ASSERT_TRUE(WaitUntil([this] { return FileSize(TempPath(L"big.zip")) >= kStall; }));
@@ -67,7 +65,7 @@ class Resume : public InstallerTest {
 };
 
 TEST_F(Resume, AfterTheProgramWasKilled) {
-  StartAndStall({});
+  StartAndStall();
   Process().Kill();
   const uint64_t length = FileSize(TempPath(L"big.zip"));
   server_->Resume();
@@ -78,9 +76,7 @@ TEST_F(Resume, AfterTheProgramWasKilled) {
 }
 
 TEST_F(Resume, AfterThirtySecondsWithoutServer) {
-  ScriptedAnswer breaking;
-  breaking.closeAfter = kStall;
-  StartAndStall(breaking);
+  StartAndStall(kStall);
   const uint64_t length = FileSize(TempPath(L"big.zip"));
   server_->StopListening();
   server_->Resume();

@@ -55,13 +55,15 @@ TEST_F(Installation, CheckingRowsDecides) {
   const TestPackage second{.filename = "b.dat", .content = TestBytes(5000), .name = "N", .isDefault = false};
   Offer({first, second});
   Start();
-  ASSERT_TRUE(WaitUntil([this] { return ComponentRows(Window()).size() == 2; }));
-  CheckRow(Window(), 0, false);
+  AwaitList();
+  PressKey(ComponentList(Window()), VK_HOME);
+  PressKey(ComponentList(Window()), VK_SPACE);
   PressInstall();
   const InstallerBox box = ExpectBox();
   EXPECT_EQ(box.text, L"You have to select at least one component for installation");
   AnswerBox(box, IDOK);
-  CheckRow(Window(), 1, true);
+  PressKey(ComponentList(Window()), VK_DOWN);
+  PressKey(ComponentList(Window()), VK_SPACE);
   PressInstall();
   ExpectEnd();
   ExpectContent(TargetPath(L"N\\b.dat"), second.content);

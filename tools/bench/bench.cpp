@@ -25,7 +25,7 @@
 #include "net/file_hash.h"
 #include "net/http_client.h"
 #include "net/http_request.h"
-#include "program/installer_window.h"
+#include "window/installer_window.h"
 #include "system/files.h"
 #include "system/handles.h"
 #include "system/path_names.h"

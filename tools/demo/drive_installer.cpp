@@ -13,7 +13,7 @@
 #include <string>
 #include <string_view>
 
-#include "program/installer_window.h"
+#include "window/installer_window.h"
 #include "system/text.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "program/installer_window.h"
+#include "window/installer_window.h"
 
 #include <commctrl.h>
 
@@ -6,7 +6,6 @@
 #include <thread>
 
 #include "resource.h"
-#include "system/handles.h"
 
 namespace {
 
@@ -55,44 +54,6 @@ HWND VisibleChildOfClass(HWND parent, const wchar_t* windowClass) {
     if (lstrcmpiW(ClassOf(child).c_str(), windowClass) == 0) return child;
   }
   return nullptr;
-}
-
-// Memory in another process. Messages above WM_USER carry pointers, which the receiver reads as its own.
-class RemoteMemory {
- public:
-  RemoteMemory(DWORD process, size_t size)
-      : process_(OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, process)),
-        address_(VirtualAllocEx(process_.Get(), nullptr, size, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE)) {}
-  ~RemoteMemory() {
-    if (address_) VirtualFreeEx(process_.Get(), address_, 0, MEM_RELEASE);
-  }
-  RemoteMemory(const RemoteMemory&) = delete;
-  RemoteMemory& operator=(const RemoteMemory&) = delete;
-
-  char* Address() const { return static_cast<char*>(address_); }
-  bool Write(size_t offset, const void* data, size_t size) const {
-    return address_ && WriteProcessMemory(process_.Get(), Address() + offset, data, size, nullptr);
-  }
-  bool Read(size_t offset, void* data, size_t size) const {
-    return address_ && ReadProcessMemory(process_.Get(), Address() + offset, data, size, nullptr);
-  }
-
- private:
-  KernelHandle process_;
-  void* address_;
-};
-
-std::wstring RowTitle(HWND list, int row) {
-  constexpr int kLength = 260;
-  const RemoteMemory memory(ProcessOf(list), sizeof(LVITEMW) + kLength * sizeof(wchar_t));
-  LVITEMW item{};
-  item.pszText = reinterpret_cast<wchar_t*>(memory.Address() + sizeof item);
-  item.cchTextMax = kLength;
-  wchar_t text[kLength + 1] = L"";
-  if (!memory.Write(0, &item, sizeof item)) return {};
-  Ask(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(memory.Address()));
-  memory.Read(sizeof item, text, kLength * sizeof(wchar_t));
-  return text;
 }
 
 }  // namespace
@@ -156,28 +117,16 @@ bool LogHas(HWND window, const std::wstring& line) {
 
 void Press(HWND button) { PostMessageW(button, BM_CLICK, 0, 0); }
 
+void PressKey(HWND control, WPARAM key) {
+  PostMessageW(control, WM_KEYDOWN, key, 0);
+  PostMessageW(control, WM_KEYUP, key, 0);
+}
+
 void ChooseCommand(HWND window, int command) { PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(command), 0); }
 
-std::vector<ComponentRow> ComponentRows(HWND window) {
-  const HWND list = VisibleChildOfClass(window, WC_LISTVIEWW);
-  std::vector<ComponentRow> rows;
-  const auto count = static_cast<int>(Ask(list, LVM_GETITEMCOUNT));
-  for (int i = 0; i < count; ++i) {
-    const LRESULT state = Ask(list, LVM_GETITEMSTATE, static_cast<WPARAM>(i), LVIS_STATEIMAGEMASK);
-    rows.push_back({RowTitle(list, i), state == INDEXTOSTATEIMAGEMASK(2)});
-  }
-  return rows;
-}
+HWND ComponentList(HWND window) { return VisibleChildOfClass(window, WC_LISTVIEWW); }
 
-void CheckRow(HWND window, int row, bool checked) {
-  const HWND list = VisibleChildOfClass(window, WC_LISTVIEWW);
-  const RemoteMemory memory(ProcessOf(list), sizeof(LVITEMW));
-  LVITEMW item{};
-  item.stateMask = LVIS_STATEIMAGEMASK;
-  item.state = static_cast<UINT>(INDEXTOSTATEIMAGEMASK(checked ? 2 : 1));
-  if (!memory.Write(0, &item, sizeof item)) return;
-  Ask(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(memory.Address()));
-}
+int RowCount(HWND list) { return static_cast<int>(Ask(list, LVM_GETITEMCOUNT)); }
 
 InstallerBox FindBox(DWORD process) {
   for (const HWND window : TopLevelWindows()) {

@@ -31,17 +31,14 @@ std::wstring ShownText(HWND window);
 std::vector<std::wstring> LogLines(HWND window);
 bool LogHas(HWND window, const std::wstring& line);
 
-// Presses a button or chooses a menu command. They don't wait until the program has acted.
+// Presses a button or a key, or chooses a menu command. They don't wait until the program has acted.
 void Press(HWND button);
+void PressKey(HWND control, WPARAM key);
 void ChooseCommand(HWND window, int command);
 
-// The rows of the components list.
-struct ComponentRow {
-  std::wstring title;
-  bool checked = false;
-};
-std::vector<ComponentRow> ComponentRows(HWND window);
-void CheckRow(HWND window, int row, bool checked);
+// The list of components, and how many rows it has.
+HWND ComponentList(HWND window);
+int RowCount(HWND list);
 
 // A message box or dialog of a process.
 struct InstallerBox {

@@ -1,0 +1,53 @@
+// What the Options menu does while the program runs.
+#include <shlobj.h>
+
+#include "program/installer_test.h"
+#include "resource.h"
+#include "system/files.h"
+
+namespace {
+
+class Options : public InstallerTest {};
+
+TEST_F(Options, ASpeedLimitChangesARunningDownload) {
+  constexpr size_t kSize = 3'000'000;
+  const TestPackage package{.filename = "big.dat", .content = TestBytes(kSize), .name = "Big"};
+  Offer({package});
+  SetNumber(L"MaxDownloadSpeed", 16);  // KB/s: three minutes in all
+  Start(L"install:big.dat source:main");
+  ASSERT_TRUE(WaitUntil([this] { return FileSize(TempPath(L"big.dat")) >= uint64_t{16} * 1024; }));
+  EXPECT_LT(FileSize(TempPath(L"big.dat")), kSize / 2);
+  ChooseCommand(Window(), COMMAND_SPEED_LIMIT);
+  const InstallerBox dialog = ExpectBox();
+  EXPECT_EQ(dialog.caption, L"Speed Limit");
+  SendMessageW(GetDlgItem(dialog.window, SPEED_EDIT), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L""));
+  AnswerBox(dialog, IDOK);
+  ExpectEnd();
+  ExpectContent(TargetPath(L"Big\\big.dat"), package.content);
+}
+
+// The program goes on; the next start is a first start, which keeps only its identifier.
+TEST_F(Options, DeletedApplicationDataIsGone) {
+  Offer({{.filename = "a.dat", .content = "a", .name = "A"}});
+  SetNumber(L"MaxDownloadSpeed", 16);
+  const std::wstring dataFolder = SpecialFolder(CSIDL_APPDATA) + L"\\Zendora\\Installer";
+  WriteTestFile(dataFolder + L"\\left.zip", "left");
+  Start();
+  AwaitList();
+  ChooseCommand(Window(), COMMAND_DELETE_APP_DATA);
+  AnswerBox(ExpectBox(L"Following data will be deleted:\n- Application registry items\n- Folder: " + dataFolder +
+                      L"\n- Folder: " + downloads_.Path()),
+            IDYES);
+  AnswerBox(ExpectBox(L"Application data is deleted"), IDOK);
+  EXPECT_FALSE(PathExists(dataFolder));
+  EXPECT_FALSE(PathExists(downloads_.Path()));
+  EXPECT_EQ(SettingsCount(), 0u);
+  Close();
+  ExpectExit();
+  Start();
+  AwaitList();
+  EXPECT_TRUE(PathExists(dataFolder + L"\\manifest.xml"));
+  EXPECT_EQ(SettingsCount(), 1u);
+}
+
+}  // namespace
