@@ -1,45 +1,50 @@
-// Answers the system's pickers for files and folders and keeps what they showed. While it lives, a thread of its own
-// waits for the pickers of this process, types a path into each and presses its button.
+// Answers the system's pickers for files and folders: while it lives, a thread of its own waits for them, types a path
+// into each and presses its button.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <atomic>
 #include <deque>
-#include <functional>
-#include <mutex>
 #include <string>
 #include <thread>
-#include <vector>
-
-struct RecordedPicker {
-  std::wstring title;
-  std::wstring name;                   // what stood in the field for the name
-  std::vector<std::wstring> patterns;  // the kinds of files to choose from
-  HWND owner = nullptr;
-};
 
 class PickerDriver {
  public:
-  // What to type, in order; relative to the folder that the picker shows. An empty text presses Cancel, and so does a
-  // picker beyond them, which fails the test. `onPicker` is called on the thread of its own before each answer.
-  explicit PickerDriver(const std::vector<std::wstring>& choices, std::function<void()> onPicker = {});
+  // What to type, in order. An empty text cancels, and so does a picker beyond them, which fails the test.
+  explicit PickerDriver(std::deque<std::wstring> choices) : choices_(std::move(choices)) {}
   // Fails the test when a choice was not asked for.
-  ~PickerDriver();
-  PickerDriver(const PickerDriver&) = delete;
-  PickerDriver& operator=(const PickerDriver&) = delete;
-
-  std::vector<RecordedPicker> Pickers() const;
+  ~PickerDriver() {
+    stop_ = true;
+    thread_.join();
+    EXPECT_TRUE(choices_.empty()) << choices_.size() << " expected pickers did not appear";
+  }
 
  private:
-  void Run();
-  void Answer(HWND picker);
+  static BOOL CALLBACK FindNameField(HWND child, LPARAM found) {
+    wchar_t name[8] = L"";
+    GetClassNameW(child, name, ARRAYSIZE(name));
+    if (IsWindowVisible(child) && lstrcmpiW(name, L"Edit") == 0) *reinterpret_cast<HWND*>(found) = child;
+    return TRUE;
+  }
 
-  mutable std::mutex mutex_;
+  void AnswerPickers() {
+    for (; !stop_; Sleep(10)) {
+      const HWND picker = FindWindowW(L"#32770", nullptr);
+      HWND name = nullptr;
+      if (picker) EnumChildWindows(picker, FindNameField, reinterpret_cast<LPARAM>(&name));
+      if (!name) continue;
+      EXPECT_FALSE(choices_.empty()) << "unexpected picker";
+      const std::wstring choice = choices_.empty() ? L"" : choices_.front();
+      if (!choices_.empty()) choices_.pop_front();
+      SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(choice.c_str()));
+      PostMessageW(picker, WM_COMMAND, choice.empty() ? IDCANCEL : IDOK, 0);
+      while (IsWindow(picker) && !stop_) Sleep(10);
+    }
+  }
+
   std::deque<std::wstring> choices_;
-  const std::function<void()> onPicker_;
-  std::vector<RecordedPicker> pickers_;
-  HWND answered_ = nullptr;
   std::atomic<bool> stop_ = false;
-  std::thread thread_;
+  std::thread thread_{&PickerDriver::AnswerPickers, this};
 };

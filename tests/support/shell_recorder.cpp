@@ -10,21 +10,17 @@ ShellRecorder::ShellRecorder(DWORD error)
   current_ = this;
 }
 
-bool ShellRecorder::Record(const wchar_t* verb, const wchar_t* file, const wchar_t* parameters, int showCommand) {
-  const auto given = [](const wchar_t* text) { return std::wstring(text ? text : L""); };
-  current_->starts_.push_back({given(verb), given(file), given(parameters), showCommand});
-  SetLastError(current_->error_);
-  return current_->error_ == ERROR_SUCCESS;
-}
-
 HINSTANCE WINAPI ShellRecorder::Start(HWND, const wchar_t* verb, const wchar_t* file, const wchar_t* parameters,
-                                      const wchar_t*, int showCommand) {
-  const INT_PTR result = Record(verb, file, parameters, showCommand) ? 33 : SE_ERR_ACCESSDENIED;
-  return reinterpret_cast<HINSTANCE>(result);
+                                      const wchar_t*, int) {
+  const auto given = [](const wchar_t* text) { return std::wstring(text ? text : L""); };
+  current_->starts_.push_back({given(verb), given(file), given(parameters)});
+  SetLastError(current_->error_);
+  return reinterpret_cast<HINSTANCE>(INT_PTR{current_->error_ == ERROR_SUCCESS ? 33 : SE_ERR_ACCESSDENIED});
 }
 
 BOOL WINAPI ShellRecorder::StartEx(SHELLEXECUTEINFOW* info) {
-  const bool started = Record(info->lpVerb, info->lpFile, info->lpParameters, info->nShow);
+  Start(nullptr, info->lpVerb, info->lpFile, info->lpParameters, nullptr, 0);
+  const bool started = current_->error_ == ERROR_SUCCESS;
   // A set event can be waited for like a process that has ended.
   info->hProcess = started ? CreateEventW(nullptr, TRUE, TRUE, nullptr) : nullptr;
   return started;

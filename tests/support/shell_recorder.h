@@ -12,7 +12,6 @@
 
 struct ShellStart {
   std::wstring verb, file, parameters;  // empty where none was given
-  int showCommand = 0;
 };
 
 class ShellRecorder {
@@ -28,7 +27,6 @@ class ShellRecorder {
   static HINSTANCE WINAPI Start(HWND, const wchar_t* verb, const wchar_t* file, const wchar_t* parameters,
                                 const wchar_t* folder, int showCommand);
   static BOOL WINAPI StartEx(SHELLEXECUTEINFOW* info);
-  static bool Record(const wchar_t* verb, const wchar_t* file, const wchar_t* parameters, int showCommand);
 
   static inline ShellRecorder* current_ = nullptr;
   const DWORD error_;

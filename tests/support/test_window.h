@@ -5,7 +5,6 @@
 #include <windows.h>
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -15,42 +14,30 @@
 
 class TestWindow {
  public:
-  // Looks at a message of the bare window, on the UI thread, and may answer it.
-  using Handler = std::function<std::optional<LRESULT>(UINT message, WPARAM wParam, LPARAM lParam)>;
-
   // A bare window with this page: the program's pages, but nobody who handles their commands. It closes on WM_CLOSE.
-  explicit TestWindow(Page page = InstallPage, Handler handler = {});
+  explicit TestWindow(Page page = InstallPage);
   // The window that `create` makes on the UI thread and stores in app.mainWindow.
   explicit TestWindow(const std::function<void()>& create);
-  // Destroys the window without a relaunch, ends the thread and forgets the window and its pages.
+  // Destroys the window without a relaunch and ends the thread.
   ~TestWindow();
   TestWindow(const TestWindow&) = delete;
   TestWindow& operator=(const TestWindow&) = delete;
 
   HWND Window() const { return window_; }
-  DWORD ThreadId() const { return GetWindowThreadProcessId(steps_, nullptr); }
   // The controls of the page; the page must exist.
   ComponentsPageControls& Components() const { return *static_cast<ComponentsPageControls*>(app.componentsPage); }
   InstallPageControls& Installation() const { return *static_cast<InstallPageControls*>(app.installPage); }
 
   // Runs a step on the UI thread and returns when it is done. Works while that thread shows a message box.
   void Run(const std::function<void()>& step) const;
-  // Returns when the UI thread has handled all messages posted before.
-  void Settle() const;
-  bool IsOpen() const { return IsWindow(window_); }
   // True when the window is destroyed within ten seconds.
-  bool WaitUntilClosed() const;
+  bool WaitUntilClosed() const { return WaitForSingleObject(closed_.Get(), 10'000) == WAIT_OBJECT_0; }
 
   // The lines of the log of the installation page, without line ends.
   std::vector<std::wstring> LogLines() const;
 
  private:
-  void Start(const std::function<void()>& create);
-  void Loop(const std::function<void()>& create);
-
-  const Handler handler_;
   HWND window_ = nullptr;
-  HWND steps_ = nullptr;  // a message-only window that runs steps
   const KernelHandle ready_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
   const KernelHandle closed_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
   std::thread thread_;

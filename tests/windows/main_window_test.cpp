@@ -1,51 +1,93 @@
+// The main window with its menu and its pages.
 #include "app/main_window.h"
 
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
+#include "app/localization.h"
 #include "app/main_menu.h"
 #include "app/pages.h"
 #include "app/single_instance.h"
 #include "manifest/component_list.h"
-#include "support/box_recorder.h"
 #include "support/shell_recorder.h"
 #include "support/test_manifest.h"
 #include "support/test_window.h"
+#include "system/files.h"
 
 namespace {
+
+using Names = std::vector<std::string>;
+using Texts = std::vector<std::wstring>;
 
 class MainWindow : public testing::Test {
  protected:
   MainWindow() {
     app.upward.buildMainMenu = BuildMainMenu;
     LoadTestManifest(R"(<downloader>
-      <sources default="us"><source key="us" title="America"/><source key="eu" title="Europe"/></sources>
-      <packages><package><filename value="gta"/><default value="true"/><size value="1"/><tooltip>Hover text</tooltip></package>
-        <package><filename value="extra"/></package>
-        <package><filename value="mta.exe"/><default value="true"/></package></packages></downloader>)");
+      <sources default="us"><source key="us" title="Salt &amp; Pepper"/><source key="eu" title="Europe"/></sources><packages>
+      <package><filename value="z"/><default value="true"/><size value="3000"/><upsize value="7000"/>
+        <tooltip>Hover text</tooltip></package>
+      <package><filename value="b"/><size value="5000000000"/><upsize value="9000000000"/></package>
+      <package><filename value="n"/><upsize value="77"/></package>
+      <package><filename value="t"/><default value="true"/><size value="500"/><upsize value="1000"/></package>
+      </packages></downloader>)");
     PopulateComponentList();
   }
 
   LRESULT Send(UINT message, WPARAM wParam, LPARAM lParam) const {
     return SendMessageW(window_.Window(), message, wParam, lParam);
   }
+  void ExpectTotal(int64_t download, int64_t installed) const {
+    EXPECT_EQ(
+        TextOf(window_.Components().totalSizeLabel),
+        L"Total size: " + FormatByteSize(download) + L" [after installation: " + FormatByteSize(installed) + L"]");
+  }
 
   const TestWindow window_{CreateProgramWindow};
 };
+
+TEST_F(MainWindow, TotalFollowsTheCheckBoxes) {
+  EXPECT_EQ(CheckedComponents(), (Names{"z", "t"}));
+  ExpectTotal(3500, 8000);
+  ListView_SetCheckState(window_.Components().itemsView, 1, TRUE);
+  ExpectTotal(5000003500, 9000008000);
+  window_.Run([] { CheckOnlyComponent(3); });
+  EXPECT_EQ(CheckedComponents(), Names{"t"});
+  ExpectTotal(500, 1000);
+  window_.Run([] { CheckOnlyComponent(2); });
+  EXPECT_EQ(TextOf(window_.Components().totalSizeLabel), L"") << "nothing to download, though something to install";
+  app.installList.Set({"b", "unknown", "n"});
+  PopulateComponentList();
+  EXPECT_EQ(CheckedComponents(), (Names{"b", "n"})) << "the command line overrides the defaults";
+}
+
+// The texts of a menu's items, with "*" behind those that are checked.
+Texts ItemsOf(HMENU menu) {
+  Texts texts;
+  for (UINT i = 0; i < static_cast<UINT>(GetMenuItemCount(menu)); ++i) {
+    wchar_t text[256] = L"";
+    GetMenuStringW(menu, i, text, 256, MF_BYPOSITION);
+    texts.push_back(text + std::wstring(GetMenuState(menu, i, MF_BYPOSITION) & MF_CHECKED ? L"*" : L""));
+  }
+  return texts;
+}
 
 TEST_F(MainWindow, LanguageChangesEverythingButTheWorkersTexts) {
   Send(WM_COMMAND, LANG_GERMAN, 0);
   EXPECT_EQ(TextOf(window_.Components().componentsLabel), L"Komponenten:");
   EXPECT_TRUE(TextOf(window_.Components().totalSizeLabel).starts_with(L"Gesamtgr\u00F6\u00DFe: "));
+  const HMENU menu = GetMenu(window_.Window());
+  EXPECT_EQ(ItemsOf(GetSubMenu(menu, 0)), (Texts{L"Deutsch", L"", L"Hilfe", L"Beenden"}));
+  EXPECT_EQ(ItemsOf(GetSubMenu(menu, 1)), (Texts{L"Europe", L"Salt && Pepper*"}));
   window_.Run(ShowInstallPage);
   window_.Installation().packageLabel.SetText(L"worker's text");
   Send(WM_COMMAND, LANG_ENGLISH, 0);
+  EXPECT_FALSE(IsMenu(menu)) << "it would never be freed";
   EXPECT_EQ(TextOf(window_.Installation().packageLabel), L"worker's text");
   EXPECT_TRUE(TextOf(window_.Installation().deleteTmpCheckbox).starts_with(L"Delete created"));
 }
 
 TEST_F(MainWindow, ForwardedCommandLineIsReadOnlyAsFarAsItGoes) {
-  using Names = std::vector<std::string>;
   std::pair<std::wstring, Names> cases[] = {{L"install:unterminated", {"unterminated"}},
                                             {std::wstring(L"install:a,b source:eu\0install:x", 31), {"a", "b"}}};
   for (auto& [sent, expected] : cases) {
@@ -53,7 +95,6 @@ TEST_F(MainWindow, ForwardedCommandLineIsReadOnlyAsFarAsItGoes) {
     Send(WM_COPYDATA, kCopyDataCommandLine, reinterpret_cast<LPARAM>(&data));
     EXPECT_EQ(*app.installList.Get(), expected);
   }
-  EXPECT_EQ(*app.selectedSource.Get(), "eu");
 }
 
 TEST_F(MainWindow, HoverTextFitsItsBuffer) {
@@ -76,18 +117,44 @@ TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {
   SendMessageW(window_.Components().installButton.Window(), BM_CLICK, 0, 0);
   ASSERT_TRUE(window_.WaitUntilClosed());
   EXPECT_EQ(shell.Starts().at(0).verb, L"runas");
-  EXPECT_EQ(shell.Starts().at(0).parameters, L"install:gta,mta.exe source:eu");
+  EXPECT_EQ(shell.Starts().at(0).parameters, L"install:z,t source:eu");
 }
 
-TEST_F(MainWindow, ClickDuringAnUpdateOffersTheDownloadPageAndCloses) {
-  app.updateInProgress = true;
-  const BoxRecorder boxes({IDNO});
-  window_.Run([this] {
-    SetLastError(ERROR_ACCESS_DENIED);  // of something else, long ago
-    SendMessageW(window_.Components().installButton.Window(), BM_CLICK, 0, 0);
-  });
-  EXPECT_TRUE(window_.WaitUntilClosed());
-  EXPECT_TRUE(boxes.Boxes().at(0).text.starts_with(L"Please download the latest version of this app from:\n"));
+TEST_F(MainWindow, APageThatIsLeftIsReleasedUnlessAThreadStillFillsIt) {
+  for (const bool filling : {false, true}) {
+    window_.Run(ShowComponentsPage);
+    ComponentsPageControls* const page = &window_.Components();
+    const HWND label = page->totalSizeLabel.Window();
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(label, WM_GETFONT, 0, 0));
+    if (filling) app.manifestThread = ActiveThread();
+    window_.Run(ShowInstallPage);
+    EXPECT_FALSE(IsWindow(label));
+    EXPECT_EQ(GetObjectType(font), filling ? DWORD{OBJ_FONT} : 0u);
+    if (filling) page->totalSizeLabel.SetText(L"too late");
+  }
+}
+
+TEST_F(MainWindow, LogKeepsTheUsersSelection) {
+  window_.Run(ShowInstallPage);
+  AppendLog(L"first");
+  const HWND log = window_.Installation().logEdit.Window();
+  SendMessageW(log, WM_CHAR, L'x', 0);
+  SendMessageW(log, EM_SETSEL, 1, 3);
+  window_.Run(ShowClosingPage);
+  AppendLog(L"the worker goes on");
+  EXPECT_EQ(SendMessageW(log, EM_GETSEL, 0, 0), MAKELONG(1, 3));
+  EXPECT_EQ(window_.LogLines(), (Texts{L"first", L"the worker goes on"}));
+}
+
+TEST_F(MainWindow, EndOfTheSessionGivesTheReason) {
+  const std::pair<DWORD, CloseReason> cases[] = {{0, SystemShutdown},
+                                                 {ENDSESSION_LOGOFF, LogOff},
+                                                 {ENDSESSION_CLOSEAPP | ENDSESSION_LOGOFF, ClosedByApplication},
+                                                 {ENDSESSION_CRITICAL | ENDSESSION_LOGOFF, CriticalShutdown}};
+  for (const auto& [flags, reason] : cases) {
+    Send(WM_ENDSESSION, TRUE, static_cast<LPARAM>(flags));
+    EXPECT_EQ(app.closeReason, reason);
+  }
 }
 
 }  // namespace
