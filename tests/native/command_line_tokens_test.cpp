@@ -12,14 +12,13 @@ TEST(CommandLineTokens, AreTakenApartAtEveryBlank) {
   } cases[] = {
       {"  source:main   install:gta,,b x", false, Ids{"gta", "", "b"}, "main"},
       {"install:a source:x install: source:y", false, Ids{}, "y"},  // the last one counts, as a whole
-      {"INSTALL:a Source:x install:source:x xsource:a", false, Ids{"source:x"}, {}},
+      {"INSTALL:a xsource:a install:source:x updated", false, Ids{"source:x"}, {}},
       {"updatedinstall:a source:", true, {}, ""},
-      {"source:a updated", false, {}, "a"},
   };
-  for (const auto& test : cases) {
-    const CommandLineRequest request = ParseCommandLineTokens(test.commandLine);
-    EXPECT_EQ(request.updated, test.updated) << test.commandLine;
-    EXPECT_EQ(request.installList, test.installList) << test.commandLine;
-    EXPECT_EQ(request.source, test.source) << test.commandLine;
+  for (const auto& [commandLine, updated, installList, source] : cases) {
+    const CommandLineRequest request = ParseCommandLineTokens(commandLine);
+    EXPECT_EQ(request.updated, updated) << commandLine;
+    EXPECT_EQ(request.installList, installList) << commandLine;
+    EXPECT_EQ(request.source, source) << commandLine;
   }
 }

@@ -3,14 +3,12 @@
 #include <gtest/gtest.h>
 #include <tinyxml2.h>
 
-namespace {
-
 using Names = std::vector<std::string>;
 using WideNames = std::vector<std::wstring>;
 using Texts = std::map<std::string, std::string>;
 
 // Reads a document whose root holds `content`. Returns the source to select from now on, if it changes.
-std::optional<std::string> ReadInto(Manifest& manifest, const std::string& content, const std::string& selected = "") {
+static std::optional<std::string> ReadInto(Manifest& manifest, const std::string& content, const char* selected = "") {
   tinyxml2::XMLDocument document;
   document.Parse(("<other/><downloader>" + content + "</downloader>").c_str());
   tinyxml2::XMLElement* root = FindManifestRoot(document);
@@ -20,13 +18,11 @@ std::optional<std::string> ReadInto(Manifest& manifest, const std::string& conte
   return ReadSources(*root, selected, manifest);
 }
 
-Package ReadPackage(const std::string& children) {
+static Package ReadPackage(const std::string& children) {
   Manifest manifest;
   ReadInto(manifest, "<packages><package>" + children + "</package></packages>");
   return manifest.packages.begin()->second;
 }
-
-}  // namespace
 
 TEST(ManifestReader, ReadsEveryFieldOfAPackage) {
   const Package package = ReadPackage(R"(
@@ -57,15 +53,12 @@ TEST(ManifestReader, ReadsEveryFieldOfAPackage) {
 
 TEST(ManifestReader, ValuesInOtherForms) {
   const std::pair<const char*, std::wstring> titles[] = {{"<title>\xD0\x96 cut\xD0</title>", L"\u0416 cut\uFFFD"},
-                                                         {"<title value='attribute'>text</title>", L"text"},
-                                                         {"<title>one</title><title>two</title>", L"two"},
+                                                         {"<title>one</title><title value='2'>two</title>", L"two"},
                                                          {"<Title>other case</Title><title/>", L""}};
   for (const auto& [xml, title] : titles) EXPECT_EQ(ReadPackage(xml).title, title) << xml;
   EXPECT_EQ(ReadPackage("<name value='\xD0\x96'/>").name, (std::wstring{0xD0, 0x96})) << "bytes, not text";
-
-  const std::pair<std::string, int64_t> sizes[] = {{"0XfF", 255}, {"-5", 0}, {"many", 0}, {"", 0}};
-  for (const auto& [text, size] : sizes) EXPECT_EQ(ReadPackage("<size value='" + text + "'/>").size, size) << text;
-  for (const std::string value : {"true", "True", " true", "1", ""}) {
+  for (const std::string size : {"-5", "many", ""}) EXPECT_EQ(ReadPackage("<size value='" + size + "'/>").size, 0);
+  for (const std::string value : {"true", "True", " true", "1"}) {
     EXPECT_EQ(ReadPackage("<default value='" + value + "'/>").isDefault, value == "true") << value;
   }
 }
@@ -85,7 +78,6 @@ TEST(ManifestReader, SelectionFollowsTheCatalogueOfSources) {
   const std::string two = "<source key='us' title='America'/><source key='eu' title='Europe'/></sources>";
   Manifest manifest;
   EXPECT_EQ(ReadInto(manifest, "<sources/>", "us"), "");
-  EXPECT_EQ(ReadInto(manifest, "<sources><source title='nameless'/></sources>", ""), "");
   EXPECT_EQ(ReadInto(manifest, "<sources default='eu'>" + two, "us"), std::nullopt);
   EXPECT_EQ(ReadInto(manifest, "<sources default='us'>" + two, "gone"), "us");
   EXPECT_EQ(ReadInto(manifest, "<sources>" + two, "US"), "eu");
@@ -95,14 +87,13 @@ TEST(ManifestReader, SelectionFollowsTheCatalogueOfSources) {
 
 TEST(ManifestReader, OnlyAnUpdaterWithAHashChangesTheAnnouncement) {
   Manifest manifest;
-  UpdaterInfo& updater = manifest.updater;
-  updater = {"known", "https://help", 5, {"https://old"}};
+  manifest.updater = {"known", "https://help", 5, {"https://old"}};
   ReadInto(manifest, "<updater helpURL='https://new' filesize='9'/>");
-  EXPECT_EQ(updater.md5 + " " + updater.helpURL, "known https://help");
+  EXPECT_EQ(manifest.updater.md5 + " " + manifest.updater.helpURL, "known https://help");
   ReadInto(manifest,
            "<updater md5='0123456789abcdef0123456789abcdef, longer' filesize='4294967295'>"
            "<source url='b'/><source/></updater><updater md5='second'/>");
-  EXPECT_EQ(updater.md5 + " " + updater.helpURL, "0123456789abcdef0123456789abcdef https://help");
-  EXPECT_EQ(updater.filesize, 4294967295u);
-  EXPECT_EQ(updater.urls, (std::deque<std::string>{"b", ""}));
+  EXPECT_EQ(manifest.updater.md5, "0123456789abcdef0123456789abcdef");
+  EXPECT_EQ(manifest.updater.filesize, 4294967295u);
+  EXPECT_EQ(manifest.updater.urls, (std::deque<std::string>{"b", ""}));
 }
