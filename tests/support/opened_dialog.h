@@ -1,18 +1,16 @@
 // A dialog that a menu command of the program's main window opens, operated as by its user.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include "support/test_window.h"
 
 class OpenedDialog {
  public:
-  // Chooses the command and waits until the dialog has the focus; fails the test when none opens.
+  // Chooses the command and waits for the dialog; fails the test when none opens.
   OpenedDialog(const TestWindow& owner, int command) {
     PostMessageW(owner.Window(), WM_COMMAND, static_cast<WPARAM>(command), 0);
     EXPECT_TRUE(WaitFor([&] {
       window_ = GetLastActivePopup(owner.Window());
-      return window_ != owner.Window() && IsChild(window_, Focus());
+      return window_ != owner.Window() && IsWindowVisible(window_);
     }));
   }
   // Closes it if it is still open.
@@ -25,8 +23,6 @@ class OpenedDialog {
   HWND Item(int id) const { return GetDlgItem(window_, id); }
   std::wstring Text(int id) const { return TextOf(Item(id)); }
   void Click(int id) const { SendMessageW(Item(id), BM_CLICK, 0, 0); }
-  // Presses a key in the control that has the focus.
-  void PressKey(WPARAM key) const { PostMessageW(Focus(), WM_KEYDOWN, key, 1); }
   bool WaitUntilClosed() const {
     return WaitFor([this] { return !IsWindow(window_); });
   }
@@ -35,12 +31,6 @@ class OpenedDialog {
   static bool WaitFor(const std::function<bool()>& condition) {
     for (int i = 0; i < 1000 && !condition(); ++i) Sleep(10);
     return condition();
-  }
-  HWND Focus() const {
-    GUITHREADINFO info{};
-    info.cbSize = sizeof info;
-    GetGUIThreadInfo(GetWindowThreadProcessId(window_, nullptr), &info);
-    return info.hwndFocus;
   }
 
   HWND window_ = nullptr;

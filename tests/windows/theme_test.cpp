@@ -31,21 +31,22 @@ BOOL WINAPI SetCompositionAttribute(HWND window, const CompositionAttribute* att
   return TRUE;
 }
 
+void CreateDarkWindow() {
+  app.darkModeSupported = true;
+  app.darkMode = true;
+  ThemeApi& api = Theme();
+  api.build = kPreferredModeBuild;
+  api.RefreshColorPolicy = RefreshColorPolicy;
+  api.ShouldAppsUseDarkMode = ShouldAppsUseDarkMode;
+  api.AllowDarkModeForWindow = AllowDarkModeForWindow;
+  api.IsDarkModeAllowedForWindow = IsDarkModeAllowedForWindow;
+  api.SetWindowTheme = RecordStyle;
+  api.SetWindowCompositionAttribute = SetCompositionAttribute;
+  CreateProgramWindow();
+}
+
 class DarkMode : public testing::Test {
  protected:
-  DarkMode() {
-    app.darkModeSupported = true;
-    app.darkMode = true;
-    Theme().build = kPreferredModeBuild;
-    Theme().RefreshColorPolicy = RefreshColorPolicy;
-    Theme().ShouldAppsUseDarkMode = ShouldAppsUseDarkMode;
-    Theme().AllowDarkModeForWindow = AllowDarkModeForWindow;
-    Theme().IsDarkModeAllowedForWindow = IsDarkModeAllowedForWindow;
-    Theme().SetWindowTheme = RecordStyle;
-    Theme().SetWindowCompositionAttribute = SetCompositionAttribute;
-  }
-  ~DarkMode() override { Theme() = {}; }
-
   // The user chooses an appearance, and the system tells a window so.
   static void Choose(bool dark, HWND window) {
     userWantsDark = dark;
@@ -63,7 +64,7 @@ class DarkMode : public testing::Test {
     return pixel;
   }
 
-  const TestWindow window_{CreateProgramWindow};
+  const TestWindow window_{CreateDarkWindow};
 };
 
 TEST_F(DarkMode, ComponentsPageFollowsTheUser) {
