@@ -1,8 +1,6 @@
 // What goes with the application's data, and what must stay.
 #include "app/delete_app_data.h"
 
-#include <gtest/gtest.h>
-
 #include "app/context.h"
 #include "support/box_recorder.h"
 #include "support/temp_folder.h"
@@ -11,10 +9,8 @@
 #include "system/handles.h"
 #include "system/registry.h"
 
-extern "C" {
-extern decltype(&FindNextFileW) importedFindNextFile __asm__("__imp__FindNextFileW@8");
-extern decltype(&GetVolumePathNameW) importedGetVolumePathName __asm__("__imp__GetVolumePathNameW@12");
-}
+extern "C" decltype(&FindNextFileW) importedFindNextFile __asm__("__imp__FindNextFileW@8");
+extern "C" decltype(&GetVolumePathNameW) importedGetVolumePathName __asm__("__imp__GetVolumePathNameW@12");
 
 namespace {
 

@@ -1,8 +1,6 @@
 // What the user is asked and told when something can't be done.
 #include "app/message_boxes.h"
 
-#include <gtest/gtest.h>
-
 #include "app/context.h"
 #include "net/error_text.h"
 #include "support/box_recorder.h"
@@ -51,13 +49,6 @@ TEST(RunProcess, RefusedElevationIsTold) {
   EXPECT_FALSE(RunProcess(true, true, L"setup.exe", L"a b"));
   EXPECT_EQ(boxes.Boxes().at(0).text, L"Error: 1223\n" + GetErrorText(ERROR_CANCELLED) + L"\nFile: setup.exe\n\n" +
                                           L"Please start Zendora Installer with Administrator privileges");
-}
-
-TEST(RepairPermissions, GrantsFoldersToUserAndUsersGroup) {
-  EXPECT_EQ(BuildRepairParameters(L"C:\\Users\\player1\\AppData\\Roaming", L"player1"),
-            L"/c icacls \"C:\\Users\\player1\\AppData\\Roaming\" /grant:r player1:(F) & icacls "
-            L"\"C:\\Users\\player1\\AppData\\Roaming\\Zendora\" /grant:r *S-1-5-32-545:(OI)(CI)(F) /T /grant:r "
-            L"player1:(OI)(CI)(F) /T");
 }
 
 }  // namespace

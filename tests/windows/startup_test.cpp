@@ -4,18 +4,12 @@
 #include <optional>
 
 #include "app/context.h"
-#include "app/environment.h"
 #include "app/replaced_program.h"
 #include "app/settings.h"
 #include "support/temp_folder.h"
 #include "system/files.h"
-#include "system/text.h"
 
 namespace {
-
-TEST(Environment, UserAgentTellsTheSystem) {
-  EXPECT_EQ(BuildUserAgent(10, 0, 19045, true), L"Zendora Installer/4.0.8 (Windows NT 10.0; Win64; x64; Build/19045)");
-}
 
 TEST(Settings, FoldersMustExistAndFitAPathWithTheManifest) {
   const TempFolder existing;
@@ -30,17 +24,6 @@ TEST(Settings, FoldersMustExistAndFitAPathWithTheManifest) {
     LoadSettings();
     EXPECT_EQ(*app.tmpPath.Get(), length == 247 ? folder : app.dataDir);
     EXPECT_EQ(*app.installPath.Get() == folder, length >= 247 && length <= 259);
-  }
-}
-
-TEST(Settings, OnlyAValidUuidTakesThePlaceOfTheMachines) {
-  LoadSettings();
-  const std::string machines = app.uuid, valid = "01234567-89ab-cdef-0123-456789ABCDEF";
-  for (const std::string& stored : {valid, valid.substr(1), "g" + valid.substr(1), valid.substr(1) + "0"}) {
-    RegSetKeyValueA(HKEY_CURRENT_USER, WideToUtf8(app.registryKeyPath).c_str(), "UUID", REG_SZ, stored.c_str(),
-                    static_cast<DWORD>(stored.size() + 1));
-    LoadSettings();
-    EXPECT_EQ(app.uuid, stored == valid ? valid : machines);
   }
 }
 

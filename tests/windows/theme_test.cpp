@@ -1,11 +1,8 @@
 #include "app/theme.h"
 
-#include <commctrl.h>
-
 #include <map>
 
 #include "app/dark_menu_bar.h"
-#include "app/pages.h"
 #include "app/theme_api.h"
 #include "app/theme_brushes.h"
 #include "resource.h"
