@@ -72,6 +72,7 @@ TEST_F(MainWindow, ForwardedCommandLineIsReadOnlyAsFarAsItGoes) {
     Send(WM_COPYDATA, kCopyDataCommandLine, reinterpret_cast<LPARAM>(&data));
     EXPECT_EQ(*app.installList.Get(), expected);
   }
+  EXPECT_EQ(*app.selectedSource.Get(), "eu");
 }
 
 TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {
