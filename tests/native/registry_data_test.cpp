@@ -3,15 +3,14 @@
 #include <gtest/gtest.h>
 
 TEST(RegistryData, RootNamesAreTakenOffTheKeyPath) {
-  const struct {
-    const char* text;
-    RegistryRoot root;
-    const char* subkey;
-  } cases[] = {
-      {"HKEY_LOCAL_MACHINE\\SOFTWARE\\Game", RegistryRoot::LocalMachine, "SOFTWARE\\Game"},
-      {"HKEY_USERS", RegistryRoot::Users, ""},  // shorter than what is taken off
-      {"HKLM\\SOFTWARE", RegistryRoot::LocalMachine, "HKLM\\SOFTWARE"},
-      {"hkey_users\\a", RegistryRoot::LocalMachine, "hkey_users\\a"},
+  using enum RegistryRoot;
+  const std::tuple<const char*, RegistryRoot, const char*> cases[] = {
+      {"HKEY_LOCAL_MACHINE\\SOFTWARE\\Game", LocalMachine, "SOFTWARE\\Game"},
+      {"HKEY_CURRENT_USER\\a", CurrentUser, "a"},
+      {"HKEY_CLASSES_ROOT\\a", ClassesRoot, "a"},
+      {"HKEY_CURRENT_CONFIG\\a", CurrentConfig, "a"},
+      {"HKEY_USERS", Users, ""},  // shorter than what is taken off
+      {"hkey_users\\a", LocalMachine, "hkey_users\\a"},
   };
   for (const auto& [text, root, subkey] : cases) {
     EXPECT_EQ(ParseRegistryKeyPath(text).root, root) << text;
@@ -20,10 +19,8 @@ TEST(RegistryData, RootNamesAreTakenOffTheKeyPath) {
 }
 
 TEST(RegistryData, OnlyPlainDigitsAreANumber) {
-  using Number = std::optional<uint32_t>;
-  const std::pair<const char*, Number> cases[] = {
-      {"00123", 123},   {"4294967295", UINT32_MAX}, {"99999999999999999999999", UINT32_MAX},
-      {"", Number()},   {"-1", Number()},           {"+1", Number()},
-      {" 1", Number()}, {"0x10", Number()}};
-  for (const auto& [text, number] : cases) EXPECT_EQ(ParseRegistryNumber(text), number) << text;
+  EXPECT_EQ(ParseRegistryNumber("00123"), 123u);
+  EXPECT_EQ(ParseRegistryNumber("4294967295"), UINT32_MAX);
+  EXPECT_EQ(ParseRegistryNumber("99999999999999999999999"), UINT32_MAX);
+  for (const char* text : {"", "-1", "+1", " 1", "0x10"}) EXPECT_EQ(ParseRegistryNumber(text), std::nullopt) << text;
 }

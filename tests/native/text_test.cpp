@@ -13,14 +13,11 @@ TEST(Text, Utf8RoundTripAndGarbage) {
   for (const auto& [utf8, wide] : garbage) EXPECT_EQ(Utf8ToWide(utf8), wide);
   EXPECT_EQ(WideToUtf8(std::wstring(1, static_cast<wchar_t>(0xD800))), "\xEF\xBF\xBD");
   EXPECT_EQ(Utf8ToWide("gta \xC3\xA9\xD0\x96\xE2\x82\xAC"), L"gta \u00E9\u0416\u20AC");
-  for (const char* text : {"", "\xF0\x9F\x98\x80", "gta \xD0\x96\xE2\x82\xAC", "\x7F"}) {
-    EXPECT_EQ(WideToUtf8(Utf8ToWide(text)), text);
-  }
+  EXPECT_EQ(WideToUtf8(Utf8ToWide("a\xF0\x9F\x98\x80\xD0\x96\xE2\x82\xAC")), "a\xF0\x9F\x98\x80\xD0\x96\xE2\x82\xAC");
   EXPECT_EQ(WidenBytes("a\x80\xFF"), (std::wstring{L'a', 0x80, 0xFF}));
 }
 
 TEST(Text, SplitKeepsEmptyPieces) {
-  using Pieces = std::vector<std::string>;
-  EXPECT_EQ(SplitKeepingEmpty("", ','), Pieces{});
-  EXPECT_EQ(SplitKeepingEmpty("a,,b,", ','), (Pieces{"a", "", "b", ""}));
+  EXPECT_TRUE(SplitKeepingEmpty("", ',').empty());
+  EXPECT_EQ(SplitKeepingEmpty("a,,b,", ','), (std::vector<std::string>{"a", "", "b", ""}));
 }

@@ -23,13 +23,10 @@ inline const std::string kOtherMd5 = "71bd588d5ad9b6abe87b831b45f8fa95";
 class InstallScenario : public testing::Test {
  protected:
   InstallScenario() {
-    app.tmpPath.Set(folder_ / L"tmp");
-    app.installPath.Set(folder_ / L"games");
+    app.tmpPath.Set(run_.tmpPath = folder_ / L"tmp");
+    app.installPath.Set(run_.installPath = folder_ / L"games");
+    app.selectedSource.Set(run_.selectedSource = "main");
     app.manifestPath = folder_ / L"manifest.xml";
-    app.selectedSource.Set("main");
-    run_.tmpPath = *app.tmpPath.Get();
-    run_.installPath = *app.installPath.Get();
-    run_.selectedSource = "main";
     CreateDirectories(run_.tmpPath);
     run_.downloads.SetGzipEnabled(false);
     package_.filename = "fox";
@@ -40,9 +37,10 @@ class InstallScenario : public testing::Test {
     server_.Answer("/fox", Serving(kFox));
   }
 
-  static ScriptedAnswer Serving(const std::string& body) {
+  static ScriptedAnswer Serving(const std::string& body, int status = 200) {
     ScriptedAnswer answer;
     answer.body = body;
+    answer.status = status;
     return answer;
   }
 

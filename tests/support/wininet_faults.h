@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "net/wininet_api.h"
-#include "support/exchanged.h"
 
 // While it lives, the next calls of one entry point fail with these errors, in order; 0 lets a call through.
 template <auto entry>
@@ -15,10 +14,11 @@ class WinInetFaults;
 template <typename... Arguments, BOOL (WINAPI* WinInetApi::*entry)(Arguments...)>
 class WinInetFaults<entry> {
  public:
-  explicit WinInetFaults(std::deque<DWORD> errors) : exchanged_(WinInet().*entry, &Call) {
-    original_ = exchanged_.Original();
+  explicit WinInetFaults(std::deque<DWORD> errors) {
     errors_ = std::move(errors);
+    original_ = std::exchange(WinInet().*entry, &Call);
   }
+  ~WinInetFaults() { WinInet().*entry = original_; }
 
  private:
   static BOOL WINAPI Call(Arguments... arguments) {
@@ -31,7 +31,6 @@ class WinInetFaults<entry> {
 
   static inline BOOL(WINAPI* original_)(Arguments...);
   static inline std::deque<DWORD> errors_;
-  Exchanged<BOOL(WINAPI*)(Arguments...)> exchanged_;
 };
 
 using SendFaults = WinInetFaults<&WinInetApi::HttpSendRequest>;

@@ -1,95 +1,105 @@
 #include "install/package_placement.h"
 
-#include <shlobj.h>
-
-#include "install/finishing_tasks.h"
-#include "manifest/game_paths.h"
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
-#include "support/text_recorder.h"
+#include "support/zip_builder.h"
 #include "system/text.h"
-
-namespace {
 
 class PackagePlacementTest : public InstallScenario {
  protected:
-  PlacementResult Place() { return PlacePackage(run_, package_, target_); }
-
-  // The programs that are run are copies of the command interpreter.
-  static void PutInterpreter(const std::wstring& path) {
-    wchar_t interpreter[MAX_PATH];
-    GetEnvironmentVariableW(L"ComSpec", interpreter, MAX_PATH);
-    WriteTestFile(path, ReadTestFile(interpreter));
+  // Makes the package an archive of these entries, announced with the size that they unpack to.
+  void Pack(const std::vector<TestEntry>& entries) {
+    BuildZip(file_, entries);
+    package_.filetype = "application/x-zip-compressed";
+    package_.upsize = 0;
+    for (const TestEntry& entry : entries) package_.upsize += static_cast<int64_t>(entry.content.size());
   }
+  PlacementResult Place() { return PlacePackage(run_, package_, target_); }
 };
 
-TEST_F(PackagePlacementTest, TargetFolder) {
-  for (const wchar_t* name : {L"", L"..\\other", L"C:\\games", L"a/../../b", L"nul"}) {
-    package_.name = name;
-    EXPECT_EQ(ResolveTargetFolder(run_, package_), L"") << name;
+TEST_F(PackagePlacementTest, EveryKindOfEntryIsUnpackedOverWhatIsThere) {
+  const std::string password = package_.password = "p\xE4ss w\xFCrd";
+  const std::vector<TestEntry> entries = {
+      {.name = "models/deep/gta3.img", .content = TestBytes(12'288)},
+      {.name = "\xC3\xA9.exe", .content = "new program", .stored = true},  // no code page, not even UTF-8
+      {.name = "secret", .content = TestBytes(50'000, 2), .password = password},
+      {.name = "secret and stored", .content = TestBytes(9'000, 3), .password = password, .stored = true},
+      {.name = "secret of a stream", .content = TestBytes(9'000, 4), .password = password, .sizesFollow = true},
+  };
+  Pack(entries);
+  WriteTestFile(target_ + L"\\\u00C3\u00A9.exe", "the old program, which is longer");
+  EXPECT_TRUE(Place().ok);
+  for (const TestEntry& entry : entries) {
+    EXPECT_EQ(ReadTestFile(target_ + L"\\" + WidenBytes(entry.name)), entry.content) << entry.name;
   }
-  package_.name = L"Fox";
-  run_.existingFolders["fox"] = folder_ / L"existing";
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), target_) << "the existing installation is gone";
-  CreateDirectories(folder_ / L"existing");
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), folder_ / L"existing");
-  package_.folder = "{unknown}";
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), L"");
 }
 
-TEST_F(PackagePlacementTest, FilesAreCopiedAndVerified) {
+TEST_F(PackagePlacementTest, AnArchiveIsCompleteFrom99PercentOn) {
+  const std::tuple<size_t, int64_t, uint32_t> cases[] = {
+      {990, 1000, 99}, {989, 1000, 98}, {1500, 1000, 150}, {7, 0, 100}, {1, INT64_MAX, 0}};
+  for (const auto& [content, upsize, percentage] : cases) {
+    Pack({{"file.bin", std::string(content, 'x')}});
+    package_.upsize = upsize;
+    EXPECT_EQ(Place().ok, percentage >= 99) << content << " of " << upsize;
+    EXPECT_EQ(run_.packageStats["fox"].extracted, percentage) << content << " of " << upsize;
+  }
+}
+
+TEST_F(PackagePlacementTest, WhatIsSkippedOrSpoiltDoesNotCount) {
+  Pack({{"good.txt", "good"}, {.name = "bad.txt", .content = "some content", .stored = true}, {"../\nup.txt", "bad"}});
+  std::string bytes = ReadTestFile(file_);
+  ASSERT_TRUE(ReplaceFirst(bytes, "some content", "sOme content"));
+  WriteTestFile(file_, bytes);
+  EXPECT_EQ(Place().error, ERROR_CRC);
+  EXPECT_EQ(window_.LogLines(),
+            (Lines{L"Extracting: good.txt", L"Extracting: bad.txt", L"[ERROR] Wrong content (zip) (bad.txt)",
+                   L"[ERROR] Unsafe entry name (zip) (..\\?up.txt)", L"Extraction complete (4 / 19)"}));
+  EXPECT_EQ(run_.errorRecords, IncompleteExtractionRecord("fox", ERROR_CRC, 0, 4, 19));
+  package_.upsize = 0;  // even if nothing is announced
+  EXPECT_FALSE(Place().ok);
+}
+
+TEST_F(PackagePlacementTest, AGameThatRunsMayHoldAFileOfTheSameSize) {
+  const std::wstring game = target_ + L"\\game.exe";
+  WriteTestFile(game, "RUNNING GAME");
+  const FileHandle held(CreateFileW(game.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  Pack({{"game.exe", "running game"}});
+  EXPECT_TRUE(Place().ok);
+  Pack({{"game.exe", "of another size"}});
+  EXPECT_EQ(Place().error, ERROR_SHARING_VIOLATION);
+}
+
+TEST_F(PackagePlacementTest, FilesAreVerified) {
   WriteTestFile(file_, kFox);
-  WriteTestFile(target_ + L"\\fox", "an older one");
   WriteTestFile(target_ + L"\\models\\gta3.img", "");
   package_.verify = "fox||models|models/gta3.img|";
   EXPECT_TRUE(Place().ok);
-  EXPECT_EQ(ReadTestFile(target_ + L"\\fox"), kFox);
-
   package_.verify = "fox|lost folder/lost.dll|lost too.dll";
-  const BoxRecorder recorder({IDOK});
+  const BoxRecorder boxes({IDOK});
   EXPECT_EQ(Place().error, ERROR_PATH_NOT_FOUND);
   const std::wstring path = target_ + L"\\lost folder/lost.dll";
   EXPECT_EQ(run_.errorRecords, VerifyFailedRecord("fox", ERROR_PATH_NOT_FOUND, path));
-  EXPECT_EQ(recorder.Boxes().at(0).text,
+  EXPECT_EQ(boxes.Boxes().at(0).text,
             L"Component installation failed\n\nRequired file or folder is missing:\n" + path +
                 L"\n\nThis error could be caused by other program (for example by virus or antivirus)");
 }
 
-TEST_F(PackagePlacementTest, AnInstallerThatRanMakesUpForAFailedExtraction) {
+TEST_F(PackagePlacementTest, InstallersAreRunWithTheirArguments) {
   const std::wstring output = folder_ / L"ran.txt";
-  PutInterpreter(file_);
-  PutInterpreter(target_ + L"\\setup\\install.exe");
-  package_.filetype = "application/x-zip-compressed";
-  for (const std::string program : {"", "missing.exe", "setup/install.exe"}) {
-    // Some take this exit code for "still running".
-    package_.install = program + "|/c \"echo ran>\"" + WideToUtf8(output) + "\" & exit 259\"|more";
-    EXPECT_TRUE(Place().ok) << program;
-    EXPECT_TRUE(DeleteFileW(output.c_str())) << program;
-  }
-}
-
-TEST_F(PackagePlacementTest, AnInstallerThatCannotBeStartedIsTold) {
-  WriteTestFile(file_, kFox);
+  // Some take this exit code for "still running".
+  package_.install = "setup.exe|/c \"echo ran>\"" + WideToUtf8(output) + "\" & exit 259\"|more";
   package_.filetype = "application/x-msdownload";
-  EXPECT_FALSE(Place().ok) << "there is nothing to do with this type but to run it";
-  package_.install = "missing.exe|/silent";
-  const BoxRecorder recorder({IDNO});
+  WriteTestFile(file_, kFox);  // no program, but what is run where setup.exe is missing
+  const BoxRecorder boxes({IDNO});
   EXPECT_EQ(Place().error, ERROR_BAD_EXE_FORMAT);
   EXPECT_EQ(run_.errorRecords, InstallerNotStartedRecord("fox", ERROR_BAD_EXE_FORMAT));
-  EXPECT_EQ(recorder.Boxes().at(0).text,
+  EXPECT_EQ(boxes.Boxes().at(0).text,
             L"Unable to start the process\n\nYou can try to start this process manually:\n" + file_ + L"\n\nOpen?");
-}
-
-TEST_F(PackagePlacementTest, CancellingEndsTheInstaller) {
-  PutInterpreter(file_);
-  package_.install = "|/c for /l %i in (0,0,1) do rem";
-  const TextRecorder label(window_, window_.Installation().totalDetailLabel, [](const std::wstring& text) {
-    app.cancelRequested = text == L"Installer is running in the background..";
-  });
+  wchar_t interpreter[MAX_PATH];
+  GetEnvironmentVariableW(L"ComSpec", interpreter, MAX_PATH);
+  WriteTestFile(target_ + L"\\setup.exe", ReadTestFile(interpreter));
   EXPECT_TRUE(Place().ok);
-  // Only a program that has ended lets its file go.
-  for (int attempt = 0; attempt < 100 && !DeleteFileW(file_.c_str()); ++attempt) Sleep(50);
-  EXPECT_FALSE(PathExists(file_));
+  EXPECT_TRUE(PathExists(output));
 }
 
 TEST_F(PackagePlacementTest, PathsThatLeaveTheirFolderAreRefused) {
@@ -104,19 +114,6 @@ TEST_F(PackagePlacementTest, PathsThatLeaveTheirFolderAreRefused) {
     package.*field = path;
     EXPECT_FALSE(PathsStayInside(package)) << path;
   }
+  package_.name = L"..\\other";
+  EXPECT_EQ(ResolveTargetFolder(run_, package_), L"");
 }
-
-TEST_F(PackagePlacementTest, LinksGoToTheDesktop) {
-  WriteTestFile(target_ + L"\\bin\\\u00E9.exe", "program");
-  const std::tuple<const char*, const wchar_t*, bool> cases[] = {{"bin/\xE9.exe||", L"\u00E9.exe.lnk", true},
-                                                                 {"bin/\xE9.exe|zt 1.", L"zt 1..lnk", true},
-                                                                 {"missing.exe|zt 2", L"zt 2.lnk", false},
-                                                                 {"bin/\xE9.exe|..\\zt 3", L"..\\zt 3.lnk", false}};
-  for (const auto& [link, name, made] : cases) {
-    package_.link = link;
-    CreateDesktopLink(package_, target_);
-    EXPECT_EQ(DeleteFileW((SpecialFolder(CSIDL_DESKTOP) + L"\\" + name).c_str()), made) << link;
-  }
-}
-
-}  // namespace
