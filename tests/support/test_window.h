@@ -27,10 +27,14 @@ inline std::wstring TextOf(const Control& control) { return TextOf(control.Windo
 // The position of a progress bar.
 inline int PositionOf(const ProgressBar& bar) { return static_cast<int>(SendMessageW(bar.Window(), PBM_GETPOS, 0, 0)); }
 
+// The calling thread. In app.manifestThread it keeps the program from starting that thread.
+inline KernelHandle ActiveThread() {
+  return KernelHandle(OpenThread(SYNCHRONIZE | THREAD_QUERY_LIMITED_INFORMATION, FALSE, GetCurrentThreadId()));
+}
+
 // Creates the program's own main window, with the manifest thread left out: TestWindow window(CreateProgramWindow).
 inline void CreateProgramWindow() {
-  // One that is active already.
-  app.manifestThread.Reset(OpenThread(SYNCHRONIZE | THREAD_QUERY_LIMITED_INFORMATION, FALSE, GetCurrentThreadId()));
+  app.manifestThread = ActiveThread();
   RegisterMainWindowClass(app.instance);
   EXPECT_TRUE(CreateMainWindow(app.instance, SW_SHOWNORMAL));
   app.manifestThread.Reset();

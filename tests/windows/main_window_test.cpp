@@ -75,6 +75,18 @@ TEST_F(MainWindow, ForwardedCommandLineIsReadOnlyAsFarAsItGoes) {
   EXPECT_EQ(*app.selectedSource.Get(), "eu");
 }
 
+TEST_F(MainWindow, APageThatIsLeftIsReleasedUnlessAThreadStillFillsIt) {
+  for (const bool filling : {false, true}) {
+    window_.Run(ShowComponentsPage);
+    ComponentsPageControls* const page = &window_.Components();
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(page->totalSizeLabel.Window(), WM_GETFONT, 0, 0));
+    if (filling) app.manifestThread = ActiveThread();
+    window_.Run(ShowInstallPage);
+    EXPECT_EQ(GetObjectType(font), filling ? DWORD{OBJ_FONT} : 0u);
+    if (filling) delete page;
+  }
+}
+
 TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {
   const ShellRecorder shell;
   app.commandLine = L"install:old source:old";

@@ -8,6 +8,7 @@
 #include "app/settings.h"
 #include "support/temp_folder.h"
 #include "system/files.h"
+#include "system/text.h"
 
 namespace {
 
@@ -24,6 +25,17 @@ TEST(Settings, FoldersMustExistAndFitAPathWithTheManifest) {
     LoadSettings();
     EXPECT_EQ(*app.tmpPath.Get(), length == 247 ? folder : app.dataDir);
     EXPECT_EQ(*app.installPath.Get() == folder, length >= 247 && length <= 259);
+  }
+}
+
+TEST(Settings, OnlyAValidUuidTakesThePlaceOfTheMachines) {
+  LoadSettings();
+  const std::string machines = app.uuid, valid = "01234567-89ab-cdef-0123-456789ABCDEF";
+  for (const std::string& stored : {valid, valid.substr(1), "g" + valid.substr(1), valid.substr(1) + "0"}) {
+    RegSetKeyValueA(HKEY_CURRENT_USER, WideToUtf8(app.registryKeyPath).c_str(), "UUID", REG_SZ, stored.c_str(),
+                    static_cast<DWORD>(stored.size() + 1));
+    LoadSettings();
+    EXPECT_EQ(app.uuid, stored == valid ? valid : machines);
   }
 }
 
