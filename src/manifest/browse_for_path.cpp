@@ -93,12 +93,10 @@ bool BrowseForTempFolder(HWND owner) {
 }
 
 bool BrowseForCacheFolder(HWND owner) {
-  auto folder = PickUsableFolder(owner, STR_SELECT_CACHE_FOLDER, gamePaths.mtaCacheFolder);
-  if (!folder) return false;
-  // The cache proper is the folder that holds "resources".
-  constexpr std::wstring_view kResources = L"resources";
-  if (folder->ends_with(kResources)) folder->resize(folder->size() - std::min(folder->size(), kResources.size() + 1));
-  if (!FileExistsNonEmpty(*folder + L"\\client.dll")) {
+  const auto picked = PickUsableFolder(owner, STR_SELECT_CACHE_FOLDER, gamePaths.mtaCacheFolder);
+  if (!picked) return false;
+  const auto folder = CacheFolderOf(*picked);
+  if (!folder) {
     ShowPickError(owner, STR_FOLDER_NOT_VALID);
     return false;
   }
@@ -145,6 +143,13 @@ bool BrowseForProgram(HWND owner, const std::vector<std::wstring>& names, std::w
 }
 
 }  // namespace
+
+std::optional<std::wstring> CacheFolderOf(std::wstring picked) {
+  constexpr std::wstring_view kResources = L"resources";
+  if (picked.ends_with(kResources)) picked.resize(picked.size() - std::min(picked.size(), kResources.size() + 1));
+  if (!FileExistsNonEmpty(picked + L"\\client.dll")) return {};
+  return picked;
+}
 
 bool BrowseForPath(HWND owner, BrowseMode mode) {
   const ComSession session;  // both pickers show folders through the shell, which needs it

@@ -3,6 +3,9 @@
 
 #include <windows.h>
 
+#include <optional>
+#include <string>
+
 enum class BrowseMode : int {
   InstallFolder = 0,
   TempFolder = 1,
@@ -15,3 +18,6 @@ enum class BrowseMode : int {
 // says: app.installPath and app.tmpPath with their settings, or gamePaths. True when a usable path was stored. The
 // first two modes run on the UI thread, the others on the worker.
 bool BrowseForPath(HWND owner, BrowseMode mode);
+
+// The cache that a picked folder is, or that holds it as its "resources"; nothing when it is none.
+std::optional<std::wstring> CacheFolderOf(std::wstring picked);

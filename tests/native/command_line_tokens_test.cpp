@@ -4,22 +4,10 @@
 
 TEST(CommandLineTokens, AreTakenApartAtEveryBlank) {
   using Ids = std::vector<std::string>;
-  const struct {
-    std::string commandLine;
-    bool updated;
-    std::optional<Ids> installList;
-    std::optional<std::string> source;
-  } cases[] = {
-      {"  source:main   install:gta,,b x", false, Ids{"gta", "", "b"}, "main"},
-      {"install:a source:x install: source:y", false, Ids{}, "y"},  // the last one counts, as a whole
-      {"INSTALL:a Source:x install:source:x xsource:a", false, Ids{"source:x"}, {}},
-      {"updatedinstall:a source:", true, {}, ""},
-      {"source:a updated", false, {}, "a"},
-  };
-  for (const auto& test : cases) {
-    const CommandLineRequest request = ParseCommandLineTokens(test.commandLine);
-    EXPECT_EQ(request.updated, test.updated) << test.commandLine;
-    EXPECT_EQ(request.installList, test.installList) << test.commandLine;
-    EXPECT_EQ(request.source, test.source) << test.commandLine;
-  }
+  const auto request = ParseCommandLineTokens("updatedsource:a install:x  source:b install:gta,,b INSTALL:a xsource:c");
+  EXPECT_TRUE(request.updated);
+  EXPECT_EQ(request.installList, (Ids{"gta", "", "b"})) << "the last one counts, as a whole";
+  EXPECT_EQ(request.source, "b");
+  EXPECT_FALSE(ParseCommandLineTokens("source:a updated").updated);
+  EXPECT_EQ(ParseCommandLineTokens("install:").installList, Ids{});
 }

@@ -1,46 +1,53 @@
-// What an installation run needs around it: folders of its own, a window with the installation page, a server, a
-// manifest. The test's thread plays the worker.
+// What an installation needs around it: folders of its own, a server, a window with the installation page, and a run
+// with one package, "fox". The test's thread plays the worker.
 #pragma once
 
-#include <string>
-#include <vector>
+#include <gtest/gtest.h>
 
+#include "app/context.h"
+#include "install/installation.h"
+#include "manifest/manifest_model.h"
 #include "support/scripted_server.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
+#include "system/files.h"
 
-// A file of 43 bytes that packages of tests consist of, and its hash.
-inline constexpr char kFoxBody[] = "The quick brown fox jumps over the lazy dog";
-inline constexpr char kFoxMd5[] = "9e107d9d372bb6826bd81d3542a419d6";
-inline constexpr char kFoxPath[] = "/files/fox";
-inline constexpr char kFoxUrl[] = "http://zendora.example/files/fox";
-// As long as the first, but another file.
-inline constexpr char kOtherBody[] = "The quick brown fox jumps over the lazy cat";
-inline constexpr char kOtherMd5[] = "71bd588d5ad9b6abe87b831b45f8fa95";
+using Lines = std::vector<std::wstring>;
 
-inline constexpr char kRepositoryPath[] = "/play/files/repository.php";
-inline constexpr char kTelemetryPath[] = "/play/files/telemetry.php";
+// The package's file, and another one of the same length, with their hashes.
+inline const std::string kFox = "The quick brown fox jumps over the lazy dog";
+inline const std::string kFoxMd5 = "9e107d9d372bb6826bd81d3542a419d6";
+inline const std::string kOther = "The quick brown fox jumps over the lazy cat";
+inline const std::string kOtherMd5 = "71bd588d5ad9b6abe87b831b45f8fa95";
 
-// `sourcesXml` holds `source` elements, `moreXml` any other children of a package.
-std::string PackageXml(const std::string& filename, const std::string& md5, const std::string& sourcesXml,
-                       const std::string& moreXml = {});
-std::string ManifestXml(const std::string& packagesXml);
+class InstallScenario : public testing::Test {
+ protected:
+  InstallScenario() {
+    app.tmpPath.Set(run_.tmpPath = folder_ / L"tmp");
+    app.installPath.Set(run_.installPath = folder_ / L"games");
+    app.selectedSource.Set(run_.selectedSource = "main");
+    app.manifestPath = folder_ / L"manifest.xml";
+    CreateDirectories(run_.tmpPath);
+    run_.downloads.SetGzipEnabled(false);
+    package_.filename = "fox";
+    package_.title = L"The Fox";
+    package_.size = 43;
+    package_.md5 = kFoxMd5;
+    package_.sources = {{"main", "http://zendora.example/fox"}};
+    server_.Answer("/fox", Serving(kFox));
+  }
 
-// An answer with this body.
-ScriptedAnswer Serving(const std::string& body);
+  static ScriptedAnswer Serving(const std::string& body, int status = 200) {
+    ScriptedAnswer answer;
+    answer.body = body;
+    answer.status = status;
+    return answer;
+  }
 
-class InstallScenario {
- public:
-  InstallScenario();
-  InstallScenario(const InstallScenario&) = delete;
-  InstallScenario& operator=(const InstallScenario&) = delete;
-
-  std::wstring Temporary(const std::wstring& name) const { return folder / (L"temporary\\" + name); }
-  std::wstring Installed(const std::wstring& name) const { return folder / (L"installed\\" + name); }
-  // The log from the line after `first` on.
-  std::vector<std::wstring> LogAfter(const std::wstring& first) const;
-
-  TempFolder folder;
-  ScriptedServer server;
-  TestWindow window;
+  const TempFolder folder_;
+  const std::wstring file_ = folder_ / L"tmp\\fox", target_ = folder_ / L"games\\Fox";
+  ScriptedServer server_;
+  const TestWindow window_;
+  Installation run_;
+  Package package_;
 };

@@ -1,38 +1,37 @@
 // A dialog that a menu command of the program's main window opens, operated as by its user.
 #pragma once
 
-#include <windows.h>
-
-#include <string>
-
 #include "support/test_window.h"
 
 class OpenedDialog {
  public:
   // Chooses the command and waits for the dialog; fails the test when none opens.
-  OpenedDialog(const TestWindow& owner, int command);
+  OpenedDialog(const TestWindow& owner, int command) {
+    PostMessageW(owner.Window(), WM_COMMAND, static_cast<WPARAM>(command), 0);
+    EXPECT_TRUE(WaitFor([&] {
+      window_ = GetLastActivePopup(owner.Window());
+      return window_ != owner.Window() && IsWindowVisible(window_);
+    }));
+  }
   // Closes it if it is still open.
-  ~OpenedDialog();
-  OpenedDialog(const OpenedDialog&) = delete;
-  OpenedDialog& operator=(const OpenedDialog&) = delete;
+  ~OpenedDialog() {
+    PostMessageW(window_, WM_COMMAND, IDCANCEL, 0);
+    EXPECT_TRUE(WaitUntilClosed());
+  }
 
   HWND Window() const { return window_; }
   HWND Item(int id) const { return GetDlgItem(window_, id); }
   std::wstring Text(int id) const { return TextOf(Item(id)); }
-  // Replaces the text of an edit.
-  void Type(int id, const std::wstring& text) const;
-  void Click(int id) const;
-
-  // Presses and releases a key in the control that has the focus.
-  void PressKey(WPARAM key) const;
-  // The identifier of that control.
-  int Focus() const;
-
-  // Returns when all that was pressed so far has been handled.
-  void Settle() const { owner_.Settle(); }
-  bool WaitUntilClosed() const;
+  void Click(int id) const { SendMessageW(Item(id), BM_CLICK, 0, 0); }
+  bool WaitUntilClosed() const {
+    return WaitFor([this] { return !IsWindow(window_); });
+  }
 
  private:
-  const TestWindow& owner_;
+  static bool WaitFor(const std::function<bool()>& condition) {
+    for (int i = 0; i < 1000 && !condition(); ++i) Sleep(10);
+    return condition();
+  }
+
   HWND window_ = nullptr;
 };

@@ -21,11 +21,8 @@ class OwnMachineKey {
   }
 
   void SetText(const std::wstring& path, const wchar_t* value, const std::wstring& text) const {
-    RegKey key;
-    EXPECT_EQ(RegCreateKeyW(key_.Get(), path.c_str(), key.Receive()), ERROR_SUCCESS);
-    EXPECT_EQ(RegSetValueExW(key.Get(), value, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                             static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
-              ERROR_SUCCESS);
+    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+    EXPECT_EQ(RegSetKeyValueW(key_.Get(), path.c_str(), value, REG_SZ, text.c_str(), size), ERROR_SUCCESS);
   }
 
  private:

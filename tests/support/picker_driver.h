@@ -1,45 +1,42 @@
-// Answers the system's pickers for files and folders and keeps what they showed. While it lives, a thread of its own
-// waits for the pickers of this process, types a path into each and presses its button.
+// Answers the system's pickers for files and folders: while it lives, none is shown. At most one lives at a time.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <windows.h>
+// Both need windows.h before them.
+#include <commdlg.h>
+#include <objbase.h>
 
-#include <atomic>
 #include <deque>
-#include <functional>
-#include <mutex>
 #include <string>
-#include <thread>
-#include <vector>
 
-struct RecordedPicker {
-  std::wstring title;
-  std::wstring name;                   // what stood in the field for the name
-  std::vector<std::wstring> patterns;  // the kinds of files to choose from
-  HWND owner = nullptr;
-};
+#include "support/replaced_import.h"
+
+extern "C" decltype(&GetOpenFileNameW) importedGetOpenFileName __asm__("__imp__GetOpenFileNameW@4");
+extern "C" decltype(&CoCreateInstance) importedCoCreateInstance __asm__("__imp__CoCreateInstance@20");
 
 class PickerDriver {
  public:
-  // What to type, in order; relative to the folder that the picker shows. An empty text presses Cancel, and so does a
-  // picker beyond them, which fails the test. `onPicker` is called on the thread of its own before each answer.
-  explicit PickerDriver(const std::vector<std::wstring>& choices, std::function<void()> onPicker = {});
+  // What is picked, in order; an empty text cancels. Folders can't be picked: their picker can't even be created.
+  explicit PickerDriver(std::deque<std::wstring> choices) { choices_ = std::move(choices); }
   // Fails the test when a choice was not asked for.
-  ~PickerDriver();
-  PickerDriver(const PickerDriver&) = delete;
-  PickerDriver& operator=(const PickerDriver&) = delete;
-
-  std::vector<RecordedPicker> Pickers() const;
+  ~PickerDriver() { EXPECT_TRUE(choices_.empty()) << choices_.size() << " expected pickers did not appear"; }
 
  private:
-  void Run();
-  void Answer(HWND picker);
+  static std::wstring NextChoice() {
+    const std::wstring choice = choices_.at(0);
+    choices_.pop_front();
+    return choice;
+  }
+  static BOOL WINAPI PickFile(OPENFILENAMEW* dialog) {
+    return NextChoice().copy(dialog->lpstrFile, dialog->nMaxFile) != 0;
+  }
+  static HRESULT WINAPI PickNoFolder(REFCLSID, IUnknown*, DWORD, REFIID, void**) {
+    EXPECT_EQ(NextChoice(), L"");
+    return E_FAIL;
+  }
 
-  mutable std::mutex mutex_;
-  std::deque<std::wstring> choices_;
-  const std::function<void()> onPicker_;
-  std::vector<RecordedPicker> pickers_;
-  HWND answered_ = nullptr;
-  std::atomic<bool> stop_ = false;
-  std::thread thread_;
+  static inline std::deque<std::wstring> choices_;
+  const ReplacedImport<decltype(&GetOpenFileNameW)> getOpenFileName_{importedGetOpenFileName, PickFile};
+  const ReplacedImport<decltype(&CoCreateInstance)> createInstance_{importedCoCreateInstance, PickNoFolder};
 };

@@ -10,29 +10,41 @@
 
 #include "support/replaced_import.h"
 
+extern "C" decltype(&ShellExecuteW) importedShellExecute __asm__("__imp__ShellExecuteW@24");
+extern "C" decltype(&ShellExecuteExW) importedShellExecuteEx __asm__("__imp__ShellExecuteExW@4");
+
 struct ShellStart {
   std::wstring verb, file, parameters;  // empty where none was given
-  int showCommand = 0;
 };
 
 class ShellRecorder {
  public:
   // With an `error` every start fails with it. Otherwise it succeeds, and ShellExecuteExW gives a handle to a process
   // that has ended already.
-  explicit ShellRecorder(DWORD error = ERROR_SUCCESS);
+  explicit ShellRecorder(DWORD error = ERROR_SUCCESS) : error_(error) { current_ = this; }
 
   // To be read when nothing is being started.
   const std::vector<ShellStart>& Starts() const { return starts_; }
 
  private:
   static HINSTANCE WINAPI Start(HWND, const wchar_t* verb, const wchar_t* file, const wchar_t* parameters,
-                                const wchar_t* folder, int showCommand);
-  static BOOL WINAPI StartEx(SHELLEXECUTEINFOW* info);
-  static bool Record(const wchar_t* verb, const wchar_t* file, const wchar_t* parameters, int showCommand);
+                                const wchar_t*, int) {
+    const auto given = [](const wchar_t* text) { return std::wstring(text ? text : L""); };
+    current_->starts_.push_back({given(verb), given(file), given(parameters)});
+    SetLastError(current_->error_);
+    return reinterpret_cast<HINSTANCE>(INT_PTR{current_->error_ == ERROR_SUCCESS ? 33 : SE_ERR_ACCESSDENIED});
+  }
+  static BOOL WINAPI StartEx(SHELLEXECUTEINFOW* info) {
+    Start(nullptr, info->lpVerb, info->lpFile, info->lpParameters, nullptr, 0);
+    const bool started = current_->error_ == ERROR_SUCCESS;
+    // A set event can be waited for like a process that has ended.
+    info->hProcess = started ? CreateEventW(nullptr, TRUE, TRUE, nullptr) : nullptr;
+    return started;
+  }
 
   static inline ShellRecorder* current_ = nullptr;
   const DWORD error_;
   std::vector<ShellStart> starts_;
-  ReplacedImport<decltype(&ShellExecuteW)> shellExecute_;
-  ReplacedImport<decltype(&ShellExecuteExW)> shellExecuteEx_;
+  const ReplacedImport<decltype(&ShellExecuteW)> shellExecute_{importedShellExecute, Start};
+  const ReplacedImport<decltype(&ShellExecuteExW)> shellExecuteEx_{importedShellExecuteEx, StartEx};
 };

@@ -1,8 +1,18 @@
 // A manifest for tests of what stands on one.
 #pragma once
 
-#include <string>
+#include <gtest/gtest.h>
+
+#include "app/context.h"
+#include "manifest/manifest_store.h"
+#include "support/exchanged.h"
+#include "support/temp_folder.h"
 
 // Replaces the program's manifest by this document, as if it had just been fetched; its cache goes to a folder that
 // is removed. Fails the test when it has no packages.
-void LoadTestManifest(const std::string& document);
+inline void LoadTestManifest(const std::string& document) {
+  const TempFolder folder;
+  const Exchanged manifestPath(app.manifestPath, folder / L"manifest.xml");
+  manifestBuffer = document;
+  EXPECT_GT(LoadManifest(true), 0);
+}

@@ -2,69 +2,116 @@
 // written from the test's thread exactly as the program's workers do it.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <windows.h>
+// Needs windows.h before it.
+#include <commctrl.h>
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "app/context.h"
+#include "app/main_window.h"
 #include "app/page_controls.h"
+#include "app/pages.h"
+
+inline std::wstring TextOf(HWND window) {
+  std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+  text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+  return text;
+}
+inline std::wstring TextOf(const Control& control) { return TextOf(control.Window()); }
+
+// The position of a progress bar.
+inline int PositionOf(const ProgressBar& bar) { return static_cast<int>(SendMessageW(bar.Window(), PBM_GETPOS, 0, 0)); }
+
+// The calling thread. In app.manifestThread it keeps the program from starting that thread.
+inline KernelHandle ActiveThread() {
+  return KernelHandle(OpenThread(SYNCHRONIZE | THREAD_QUERY_LIMITED_INFORMATION, FALSE, GetCurrentThreadId()));
+}
+
+// Creates the program's own main window, with the manifest thread left out: TestWindow window(CreateProgramWindow).
+inline void CreateProgramWindow() {
+  app.manifestThread = ActiveThread();
+  RegisterMainWindowClass(app.instance);
+  EXPECT_TRUE(CreateMainWindow(app.instance, SW_SHOWNORMAL));
+  app.manifestThread.Reset();
+}
 
 class TestWindow {
  public:
-  // Looks at a message of the bare window, on the UI thread, and may answer it.
-  using Handler = std::function<std::optional<LRESULT>(UINT message, WPARAM wParam, LPARAM lParam)>;
-
   // A bare window with this page: the program's pages, but nobody who handles their commands. It closes on WM_CLOSE.
-  explicit TestWindow(Page page = InstallPage, Handler handler = {});
+  explicit TestWindow(Page page = InstallPage) : TestWindow([page] { CreateBareWindow(page); }) {}
   // The window that `create` makes on the UI thread and stores in app.mainWindow.
-  explicit TestWindow(const std::function<void()>& create);
-  // Destroys the window without a relaunch, ends the thread and forgets the window and its pages.
-  ~TestWindow();
-  TestWindow(const TestWindow&) = delete;
-  TestWindow& operator=(const TestWindow&) = delete;
+  explicit TestWindow(const std::function<void()>& create) {
+    thread_ = std::thread(&TestWindow::Loop, this, create);
+    WaitForSingleObject(ready_.Get(), INFINITE);
+    EXPECT_TRUE(window_);
+  }
+  // Destroys the window without a relaunch and ends the thread.
+  ~TestWindow() {
+    app.restartRequested = false;
+    Run([this] { DestroyWindow(window_); });
+    thread_.join();
+    app.mainWindow = nullptr;
+    app.currentPage = NoPage;
+  }
 
   HWND Window() const { return window_; }
-  DWORD ThreadId() const { return GetWindowThreadProcessId(steps_, nullptr); }
   // The controls of the page; the page must exist.
   ComponentsPageControls& Components() const { return *static_cast<ComponentsPageControls*>(app.componentsPage); }
   InstallPageControls& Installation() const { return *static_cast<InstallPageControls*>(app.installPage); }
 
   // Runs a step on the UI thread and returns when it is done. Works while that thread shows a message box.
-  void Run(const std::function<void()>& step) const;
-  // Returns when the UI thread has handled all messages posted before.
-  void Settle() const;
-  bool IsOpen() const { return IsWindow(window_); }
+  void Run(const std::function<void()>& step) const {
+    SendMessageW(window_, kRunStep, 0, reinterpret_cast<LPARAM>(&step));
+  }
   // True when the window is destroyed within ten seconds.
-  bool WaitUntilClosed() const;
+  bool WaitUntilClosed() const { return WaitForSingleObject(closed_.Get(), 10'000) == WAIT_OBJECT_0; }
 
   // The lines of the log of the installation page, without line ends.
-  std::vector<std::wstring> LogLines() const;
+  std::vector<std::wstring> LogLines() const {
+    std::vector<std::wstring> lines;
+    const std::wstring log = TextOf(Installation().logEdit);
+    for (size_t start = 0, end; (end = log.find(L"\r\n", start)) != std::wstring::npos; start = end + 2) {
+      lines.push_back(log.substr(start, end - start));
+    }
+    return lines;
+  }
 
  private:
-  void Start(const std::function<void()>& create);
-  void Loop(const std::function<void()>& create);
+  static constexpr UINT kRunStep = WM_APP;
 
-  const Handler handler_;
+  static LRESULT CALLBACK RunSteps(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    if (message == kRunStep) (*reinterpret_cast<const std::function<void()>*>(lParam))();
+    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    if (message == WM_DESTROY) PostQuitMessage(0);
+    return result;
+  }
+  // A label makes a good bare window: it leaves what its children say to the procedure.
+  static void CreateBareWindow(Page page) {
+    const DWORD style = WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN | WS_VISIBLE;
+    app.mainWindow =
+        CreateWindowExW(0, L"Static", L"Test", style, 0, 0, 600, 480, nullptr, nullptr, app.instance, nullptr);
+    if (page == ComponentsPage) ShowComponentsPage();
+    if (page == InstallPage) ShowInstallPage();
+  }
+  void Loop(const std::function<void()>& create) {
+    create();
+    window_ = app.mainWindow;
+    SetWindowSubclass(window_, RunSteps, 0, 0);
+    SetEvent(ready_.Get());
+    for (MSG message; window_ && GetMessageW(&message, nullptr, 0, 0) > 0;) {
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
+    }
+    SetEvent(closed_.Get());
+  }
+
   HWND window_ = nullptr;
-  HWND steps_ = nullptr;  // a message-only window that runs steps
   const KernelHandle ready_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
   const KernelHandle closed_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
   std::thread thread_;
 };
-
-// Creates the program's own main window, with the manifest thread left out: TestWindow window(CreateProgramWindow).
-void CreateProgramWindow();
-
-// A handle to a thread that is active while the test runs. In app.manifestThread or app.workerThread it keeps the
-// program from starting that thread.
-KernelHandle ActiveThread();
-
-std::wstring TextOf(HWND window);
-inline std::wstring TextOf(const Control& control) { return TextOf(control.Window()); }
-
-// The position of a progress bar.
-int PositionOf(const ProgressBar& bar);

@@ -1,34 +1,37 @@
-// Failures of WinINet that no server can cause at will. At most one instance of each class lives at a time.
+// Failures of WinINet that no server can cause at will.
 #pragma once
 
 #include <windows.h>
 
 #include <deque>
+#include <utility>
 
 #include "net/wininet_api.h"
-#include "support/exchanged.h"
 
-// One InternetReadFile is not carried out: it reads nothing, leaves `error` and returns `result`.
-class ReadFault {
+// While it lives, the next calls of one entry point fail with these errors, in order; 0 lets a call through.
+template <auto entry>
+class WinInetFaults;
+template <typename... Arguments, BOOL (WINAPI* WinInetApi::*entry)(Arguments...)>
+class WinInetFaults<entry> {
  public:
-  ReadFault(int readsBefore, BOOL result, DWORD error);
+  explicit WinInetFaults(std::deque<DWORD> errors) {
+    errors_ = std::move(errors);
+    original_ = std::exchange(WinInet().*entry, &Call);
+  }
+  ~WinInetFaults() { WinInet().*entry = original_; }
 
  private:
-  static BOOL WINAPI Read(HINTERNET request, LPVOID buffer, DWORD size, LPDWORD count);
+  static BOOL WINAPI Call(Arguments... arguments) {
+    const DWORD error = errors_.empty() ? 0 : errors_.front();
+    if (!errors_.empty()) errors_.pop_front();
+    if (error == 0) return original_(arguments...);
+    SetLastError(error);
+    return FALSE;
+  }
 
-  Exchanged<decltype(WinInetApi::InternetReadFile)> exchanged_;
+  static inline BOOL(WINAPI* original_)(Arguments...);
+  static inline std::deque<DWORD> errors_;
 };
 
-// The next sends of requests are not carried out and fail with these errors, in order.
-class SendFaults {
- public:
-  explicit SendFaults(std::deque<DWORD> errors);
-
-  // Sends since this object was made, failed ones included.
-  int Sends() const;
-
- private:
-  static BOOL WINAPI Send(HINTERNET request, LPCWSTR headers, DWORD headersLength, LPVOID body, DWORD bodyLength);
-
-  Exchanged<decltype(WinInetApi::HttpSendRequest)> exchanged_;
-};
+using SendFaults = WinInetFaults<&WinInetApi::HttpSendRequest>;
+using ReadFaults = WinInetFaults<&WinInetApi::InternetReadFile>;

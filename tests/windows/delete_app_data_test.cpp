@@ -1,115 +1,86 @@
+// What goes with the application's data, and what must stay.
 #include "app/delete_app_data.h"
 
-#include <gtest/gtest.h>
-#include <windows.h>
-
-#include <optional>
-#include <string>
-
 #include "app/context.h"
-#include "app/localization.h"
-#include "app/settings.h"
 #include "support/box_recorder.h"
 #include "support/temp_folder.h"
-#include "support/test_window.h"
 #include "system/files.h"
+#include "system/folder_removal.h"
 #include "system/handles.h"
+#include "system/registry.h"
+
+extern "C" decltype(&FindNextFileW) importedFindNextFile __asm__("__imp__FindNextFileW@8");
+extern "C" decltype(&GetVolumePathNameW) importedGetVolumePathName __asm__("__imp__GetVolumePathNameW@12");
 
 namespace {
 
-bool HasSettings(HKEY root) {
-  RegKey key;
-  return RegOpenKeyExW(root, app.registryKeyPath.c_str(), 0, KEY_READ, key.Receive()) == ERROR_SUCCESS;
-}
-
-void WriteSetting(HKEY root, const std::wstring& subkey) {
-  const std::wstring path = app.registryKeyPath + subkey;
-  const DWORD value = 1;
-  EXPECT_EQ(RegSetKeyValueW(root, path.c_str(), L"Setting", REG_DWORD, &value, sizeof value), ERROR_SUCCESS);
-}
-
-class DeleteAppDataTest : public testing::Test {
- protected:
-  DeleteAppDataTest() {
-    app.dataDir = folder_ / L"Zendora\\Installer";
-    app.tmpPath.Set(folder_ / L"downloads");
-    WriteTestFile(app.dataDir + L"\\manifest.xml", "manifest");
-    WriteTestFile(app.dataDir + L"\\sub\\file", "file");
-    WriteTestFile(folder_ / L"downloads\\game.zip", "zip");
-    WriteTestFile(folder_ / L"other\\file", "file");
+TEST(DeleteAppData, RemovesSettingsAndBothFoldersOnYes) {
+  const TempFolder folder;
+  app.dataDir = folder / L"Zendora\\Installer";
+  app.tmpPath.Set(folder / L"downloads");
+  for (const wchar_t* file : {L"Zendora\\Installer\\sub\\file", L"downloads\\game.zip", L"other\\file"}) {
+    WriteTestFile(folder / file, "content");
+  }
+  const std::wstring deeper = app.registryKeyPath + L"\\Deeper\\Still";
+  for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+    RegSetKeyValueW(root, deeper.c_str(), L"Setting", REG_SZ, L"", sizeof(wchar_t));
+  }
+  for (const bool agrees : {false, true}) {
+    const BoxRecorder boxes(agrees ? std::deque<int>{IDYES, IDOK} : std::deque<int>{IDNO});
+    DeleteAppData();
+    EXPECT_EQ(boxes.Boxes().at(0).text, L"Following data will be deleted:\n- Application registry items\n- Folder: " +
+                                            app.dataDir + L"\n- Folder: " + *app.tmpPath.Get());
+    EXPECT_EQ(boxes.Boxes().back().text == L"Application data is deleted", agrees);
     for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-      WriteSetting(root, L"");
-      WriteSetting(root, L"\\Deeper\\Still");
+      EXPECT_EQ(ReadRegistryText(root, deeper.c_str(), L"Setting").has_value(), !agrees);
     }
+    EXPECT_EQ(PathExists(app.dataDir), !agrees);
+    EXPECT_EQ(PathExists(folder / L"downloads"), !agrees);
   }
-  ~DeleteAppDataTest() override {
-    RegDeleteTreeW(HKEY_CURRENT_USER, app.registryKeyPath.c_str());
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, app.registryKeyPath.c_str());
-    app.dataDir.clear();
-    app.tmpPath.Set({});
-  }
-
-  // Chooses the menu command and returns the boxes that it shows.
-  std::vector<RecordedBox> Choose(std::initializer_list<int> answers) const {
-    BoxRecorder boxes(answers);
-    SendMessageW(window_.Window(), WM_COMMAND, COMMAND_DELETE_APP_DATA, 0);
-    return boxes.Boxes();
-  }
-  std::wstring Question(std::initializer_list<std::wstring> folders) const {
-    std::wstring text = L"Following data will be deleted:\n- Application registry items";
-    for (const std::wstring& folder : folders) text += L"\n- Folder: " + folder;
-    return text;
-  }
-  void ExpectNothingDeleted() const {
-    EXPECT_TRUE(HasSettings(HKEY_CURRENT_USER));
-    EXPECT_TRUE(HasSettings(HKEY_LOCAL_MACHINE));
-    EXPECT_TRUE(PathExists(app.dataDir + L"\\sub\\file"));
-    EXPECT_TRUE(PathExists(folder_ / L"downloads\\game.zip"));
-  }
-
-  TempFolder folder_;
-  TestWindow window_{CreateProgramWindow};
-};
-
-TEST_F(DeleteAppDataTest, RemovesSettingsAndBothFolders) {
-  const auto boxes = Choose({IDYES, IDOK});
-  ASSERT_EQ(boxes.size(), 2u);
-  EXPECT_EQ(boxes[0].text, Question({app.dataDir, folder_ / L"downloads"}));
-  EXPECT_EQ(boxes[0].buttons, (std::vector<int>{IDYES, IDNO}));
-  EXPECT_EQ(boxes[1].text, L"Application data is deleted");
-  EXPECT_EQ(boxes[1].buttons, (std::vector<int>{IDOK}));
-  for (const RecordedBox& box : boxes) {
-    EXPECT_EQ(box.caption, L"Zendora Installer");
-    EXPECT_EQ(box.owner, window_.Window());
-  }
-  EXPECT_FALSE(HasSettings(HKEY_CURRENT_USER));
-  EXPECT_FALSE(HasSettings(HKEY_LOCAL_MACHINE));
-  EXPECT_FALSE(PathExists(app.dataDir));
-  EXPECT_FALSE(PathExists(folder_ / L"downloads"));
-  EXPECT_TRUE(PathExists(folder_ / L"other\\file"));
-  EXPECT_TRUE(IsWindow(window_.Window()));
+  EXPECT_TRUE(PathExists(folder / L"other\\file"));
 }
 
-TEST_F(DeleteAppDataTest, DoesNothingWithoutAYes) {
-  Choose({IDNO});
-  ExpectNothingDeleted();
+// Shows every folder called "link" as what Windows reports for a junction.
+decltype(&FindNextFileW) realFindNextFile;
+BOOL WINAPI FindNextWithJunctions(HANDLE find, WIN32_FIND_DATAW* entry) {
+  const BOOL found = realFindNextFile(find, entry);
+  if (found && std::wstring(entry->cFileName) == L"link") entry->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+  return found;
 }
 
-TEST_F(DeleteAppDataTest, NextStartIsAFirstStart) {
-  const std::wstring appDataPath = folder_ / L"appdata";
-  app.maxDownloadSpeedKB = 300;
-  app.deleteTmpFiles = true;
-  SaveMaxDownloadSpeed();
-  SaveDeleteTmpFiles();
-  Choose({IDYES, IDOK});
-  EXPECT_EQ(app.maxDownloadSpeedKB, 300u) << "the program goes on with what it has";
+TEST(FolderRemoval, TakesEverythingButWhatIsInUseOrLinked) {
+  const TempFolder folder;
+  const std::wstring used = folder / L"a\\used", readOnly = folder / L"a\\read-only", linked = folder / L"link\\theirs";
+  for (const std::wstring& file : {used, readOnly, linked, folder / L"...x", folder / L"z\\deep\\last"}) {
+    WriteTestFile(file, "content");
+  }
+  SetFileAttributesW(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
+  const FileHandle user(CreateFileW(used.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  realFindNextFile = importedFindNextFile;
+  const ReplacedImport findNext(importedFindNextFile, FindNextWithJunctions);
+  RemoveFolder(folder.Path());
+  EXPECT_TRUE(PathExists(used) && PathExists(linked));
+  EXPECT_FALSE(PathExists(readOnly) || PathExists(folder / L"...x") || PathExists(folder / L"z"));
+}
 
-  LoadSettings();
-  EXPECT_EQ(app.maxDownloadSpeedKB, 0u);
-  EXPECT_FALSE(app.deleteTmpFiles);
-  EXPECT_EQ(*app.tmpPath.Get(), app.dataDir);
-  EXPECT_EQ(app.uuid.size(), 36u);
-  EXPECT_TRUE(HasSettings(HKEY_CURRENT_USER)) << "the identifier is stored again";
+// A folder of the test's own plays a volume, so that a fault does no harm elsewhere.
+std::wstring volumeRoot;
+BOOL WINAPI GiveVolumeOfTheTest(const wchar_t*, wchar_t* volume, DWORD size) {
+  volume[(volumeRoot + L"\\").copy(volume, size)] = L'\0';
+  return TRUE;
+}
+
+TEST(FolderRemoval, LeavesVolumesAlone) {
+  const TempFolder folder;
+  volumeRoot = folder.Path();
+  WriteTestFile(folder / L"sub\\file", "1");
+  const ReplacedImport volumes(importedGetVolumePathName, GiveVolumeOfTheTest);
+  for (const wchar_t* end : {L"", L"\\", L"/", L"\\.", L"\\sub\\.."}) {
+    RemoveFolder(volumeRoot + end);
+    EXPECT_TRUE(PathExists(folder / L"sub\\file")) << testing::PrintToString(end);
+  }
+  RemoveFolder(folder / L"sub");
+  EXPECT_FALSE(PathExists(folder / L"sub"));
 }
 
 }  // namespace

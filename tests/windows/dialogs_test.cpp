@@ -1,114 +1,109 @@
-// What the dialogs have in common.
-#include "app/dialogs.h"
-
-#include <gtest/gtest.h>
-#include <windows.h>
-
-#include "app/context.h"
-#include "app/theme.h"
+// What the dialogs show and do.
+#include "app/localization.h"
+#include "app/settings.h"
 #include "app/update_dialog.h"
-#include "resource.h"
-#include "support/dark_windows.h"
 #include "support/opened_dialog.h"
-#include "support/test_window.h"
 
 namespace {
 
-RECT PlaceOnScreen(HWND window) {
-  RECT place{};
-  GetWindowRect(window, &place);
-  return place;
-}
-
-void ExpectCentred(HWND dialog, HWND owner) {
-  const RECT own = PlaceOnScreen(dialog), over = PlaceOnScreen(owner);
-  EXPECT_EQ(own.left - over.left, ((over.right - over.left) - (own.right - own.left)) / 2);
-  EXPECT_EQ(own.top - over.top, ((over.bottom - over.top) - (own.bottom - own.top)) / 2);
-}
-
-constexpr int kModalDialogs[] = {COMMAND_ABOUT, COMMAND_SPEED_LIMIT};
-
 class Dialogs : public testing::Test {
  protected:
-  TestWindow window_{CreateProgramWindow};
+  const TestWindow window_{CreateProgramWindow};
 };
 
-TEST_F(Dialogs, AreCentredOverTheirOwner) {
+TEST_F(Dialogs, StandInTheMiddleOfTheMainWindowUntilAKeyClosesThem) {
   // Away from the middle of the screen, where Windows itself puts some dialogs.
   SetWindowPos(window_.Window(), nullptr, 41, 23, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-  for (const int command : kModalDialogs) {
-    const OpenedDialog dialog(window_, command);
-    EXPECT_EQ(GetWindow(dialog.Window(), GW_OWNER), window_.Window());
-    ExpectCentred(dialog.Window(), window_.Window());
-  }
-  window_.Run([this] {
-    const HWND dialog = CreateUpdateDialog(0);
-    ExpectCentred(dialog, window_.Window());
-    DestroyWindow(dialog);
-  });
-}
-
-TEST_F(Dialogs, DisableTheMainWindowUntilAKeyOrButtonClosesThem) {
-  for (const int command : kModalDialogs) {
-    const struct {
-      void (*close)(const OpenedDialog& dialog);
-    } ways[] = {{[](const OpenedDialog& dialog) { dialog.Click(IDOK); }},
-                {[](const OpenedDialog& dialog) { dialog.PressKey(VK_RETURN); }},
-                {[](const OpenedDialog& dialog) { dialog.PressKey(VK_ESCAPE); }},
-                {[](const OpenedDialog& dialog) { PostMessageW(dialog.Window(), WM_SYSCOMMAND, SC_CLOSE, 0); }}};
-    for (const auto& way : ways) {
+  for (const int command : {COMMAND_ABOUT, COMMAND_SPEED_LIMIT}) {
+    for (const WPARAM key : {VK_RETURN, VK_ESCAPE}) {
       const OpenedDialog dialog(window_, command);
       EXPECT_FALSE(IsWindowEnabled(window_.Window()));
-      way.close(dialog);
-      EXPECT_TRUE(dialog.WaitUntilClosed()) << command << ", way " << &way - ways;
-      window_.Settle();
+      RECT own{}, over{};
+      GetWindowRect(dialog.Window(), &own);
+      GetWindowRect(window_.Window(), &over);
+      EXPECT_NEAR(own.left + own.right, over.left + over.right, 1);
+      EXPECT_NEAR(own.top + own.bottom, over.top + over.bottom, 1);
+      PostMessageW(dialog.Window(), WM_KEYDOWN, key, 1);
+      EXPECT_TRUE(dialog.WaitUntilClosed());
       EXPECT_TRUE(IsWindowEnabled(window_.Window()));
     }
   }
 }
 
-struct ColorQuestion {
-  UINT message;
-  int control;
-};
+LRESULT SliderOf(const OpenedDialog& dialog) { return SendMessageW(dialog.Item(SPEED_TRACKBAR), TBM_GETPOS, 0, 0); }
 
-// White on black is what controls are given in dark mode, and never in light mode.
-void ExpectColors(const TestWindow& window, HWND dialog, const std::vector<ColorQuestion>& questions) {
-  window.Run([&] {
-    const HDC dc = CreateCompatibleDC(nullptr);
-    for (const ColorQuestion& question : questions) {
-      SetTextColor(dc, RGB(1, 2, 3));
-      const auto control = reinterpret_cast<LPARAM>(GetDlgItem(dialog, question.control));
-      const LRESULT brush = SendMessageW(dialog, question.message, reinterpret_cast<WPARAM>(dc), control);
-      LOGBRUSH look{};
-      GetObjectW(reinterpret_cast<HGDIOBJ>(brush), sizeof look, &look);
-      EXPECT_EQ(GetTextColor(dc) == RGB(255, 255, 255), app.darkMode) << question.message;
-      EXPECT_EQ(brush != 0 && look.lbColor == RGB(0, 0, 0), app.darkMode) << question.message;
-    }
-    DeleteDC(dc);
-  });
+// Moves the slider with the mouse button down.
+void DragSlider(const OpenedDialog& dialog, int position) {
+  SendMessageW(dialog.Item(SPEED_TRACKBAR), TBM_SETPOS, TRUE, position);
+  SendMessageW(dialog.Window(), WM_HSCROLL, MAKEWPARAM(TB_THUMBTRACK, position), 0);
 }
 
-TEST_F(Dialogs, OpenDarkAndFollowTheUser) {
-  const std::vector<ColorQuestion> questions[] = {
-      {{WM_CTLCOLORDLG, 0}, {WM_CTLCOLORSTATIC, ABOUT_TITLE}, {WM_CTLCOLORBTN, IDOK}},
-      {{WM_CTLCOLORDLG, 0}, {WM_CTLCOLORSTATIC, SPEED_TRACKBAR}, {WM_CTLCOLORBTN, IDOK}, {WM_CTLCOLOREDIT, SPEED_EDIT}},
-  };
-  DarkWindows windows;
-  SetupDarkMode();
-  for (size_t i = 0; i < ARRAYSIZE(kModalDialogs); ++i) {
-    windows.userWantsDark = true;
-    DarkWindows::TellColorSetChange(window_.Window());
-    ASSERT_TRUE(app.darkMode);
-    const OpenedDialog dialog(window_, kModalDialogs[i]);
-    EXPECT_TRUE(windows.allowed[dialog.Window()]);
-    ExpectColors(window_, dialog.Window(), questions[i]);
+TEST_F(Dialogs, ReleasingTheSpeedSliderAtTheEndRaisesTheScale) {
+  const OpenedDialog dialog(window_, COMMAND_SPEED_LIMIT);
+  const std::pair<const wchar_t*, int> steps[] = {{L"1000", 10}, {L"10000", 66}, {L"15000", 50}, {L"30000", 50}};
+  for (const auto& [edit, slider] : steps) {
+    DragSlider(dialog, 100);
+    EXPECT_EQ(dialog.Text(SPEED_EDIT), edit);
+    EXPECT_EQ(SliderOf(dialog), 100) << "while it is dragged the scale stays";
+    SendMessageW(dialog.Window(), WM_HSCROLL, TB_ENDTRACK, 0);
+    EXPECT_EQ(dialog.Text(SPEED_EDIT), edit);
+    EXPECT_EQ(SliderOf(dialog), slider);
+  }
+}
 
-    windows.userWantsDark = false;
-    DarkWindows::TellColorSetChange(dialog.Window());
-    EXPECT_FALSE(app.darkMode);
-    EXPECT_FALSE(windows.allowed[dialog.Window()]);
-    ExpectColors(window_, dialog.Window(), questions[i]);
+TEST_F(Dialogs, OkSavesTheSpeedThatWasTyped) {
+  const struct {
+    const wchar_t* typed;
+    int slider;
+    uint32_t limit;
+  } cases[] = {{L"2500", 25, 2500}, {L"010", 0, 8}, {L"0x10", 1, 16},
+               {L"12 ab", 1, 12},   {L"", 0, 0},    {L"1234567890", 100, 123'456'789}};
+  for (const auto& test : cases) {
+    const OpenedDialog dialog(window_, COMMAND_SPEED_LIMIT);
+    SetDlgItemTextW(dialog.Window(), SPEED_EDIT, test.typed);
+    EXPECT_EQ(SliderOf(dialog), test.slider);
+    dialog.Click(IDOK);
+    EXPECT_EQ(app.maxDownloadSpeedKB, test.limit);
+    app.maxDownloadSpeedKB = 999;
+    LoadSettings();
+    EXPECT_EQ(app.maxDownloadSpeedKB, test.limit) << "saved";
+  }
+}
+
+TEST_F(Dialogs, ResetOnlyEmptiesTheSpeedDialog) {
+  app.maxDownloadSpeedKB = 2500;
+  SaveMaxDownloadSpeed();
+  const OpenedDialog dialog(window_, COMMAND_SPEED_LIMIT);
+  SetDlgItemTextW(dialog.Window(), SPEED_EDIT, L"95000");
+  dialog.Click(SPEED_RESET);
+  EXPECT_EQ(dialog.Text(SPEED_EDIT), L"");
+  EXPECT_EQ(SliderOf(dialog), 0);
+  DragSlider(dialog, 50);
+  EXPECT_EQ(dialog.Text(SPEED_EDIT), L"5000") << "the scale is that of the limit in effect";
+  EXPECT_EQ(app.maxDownloadSpeedKB, 2500u);
+  LoadSettings();
+  EXPECT_EQ(app.maxDownloadSpeedKB, 2500u) << "nothing was saved";
+}
+
+TEST_F(Dialogs, UpdateShowsProgress) {
+  const struct {
+    uint32_t announced;
+    DownloadProgress progress;
+    uint64_t totalAfter;
+    int percent;
+  } cases[] = {
+      {3000, {.total = 5000}, 5000, 0},                                            // the larger size counts
+      {5000, {.transferStartTick = 1, .total = 300, .downloaded = 299}, 300, 99},  // the manifest no longer counts
+      {0, {.transferStartTick = 1, .total = 10, .downloaded = 4000}, 10, 100},
+      {0, {.transferStartTick = 1, .downloaded = 4000}, 0, 0},
+  };
+  for (const auto& test : cases) {
+    const HWND dialog = CreateUpdateDialog(test.announced);
+    DownloadProgress progress = test.progress;
+    OnUpdateDownloadProgress(&progress);
+    EXPECT_EQ(progress.total, test.totalAfter);
+    EXPECT_EQ(SendDlgItemMessageW(dialog, UPDATE_PROGRESS, PBM_GETPOS, 0, 0), test.percent);
+    DestroyWindow(dialog);
   }
 }
 

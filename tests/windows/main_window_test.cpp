@@ -1,42 +1,62 @@
+// The main window with its menu and its pages.
 #include "app/main_window.h"
 
-#include <commctrl.h>
-#include <gtest/gtest.h>
-
+#include "app/localization.h"
 #include "app/main_menu.h"
-#include "app/pages.h"
 #include "app/single_instance.h"
 #include "manifest/component_list.h"
-#include "support/box_recorder.h"
 #include "support/shell_recorder.h"
 #include "support/test_manifest.h"
 #include "support/test_window.h"
 
 namespace {
 
+using Names = std::vector<std::string>;
+
 class MainWindow : public testing::Test {
  protected:
   MainWindow() {
     app.upward.buildMainMenu = BuildMainMenu;
     LoadTestManifest(R"(<downloader>
-      <sources default="us"><source key="us" title="America"/><source key="eu" title="Europe"/></sources>
-      <packages><package><filename value="gta"/><default value="true"/><size value="1"/><tooltip>Hover text</tooltip></package>
-        <package><filename value="extra"/></package>
-        <package><filename value="mta.exe"/><default value="true"/></package></packages></downloader>)");
+      <sources default="us"><source key="us" title="Salt &amp; Pepper"/><source key="eu" title="Europe"/></sources><packages>
+      <package><filename value="z"/><default value="true"/><size value="3000"/><upsize value="7000"/></package>
+      <package><filename value="b"/><size value="5000000000"/><upsize value="9000000000"/></package>
+      <package><filename value="n"/><upsize value="77"/></package>
+      <package><filename value="t"/><default value="true"/><size value="500"/><upsize value="1000"/></package>
+      </packages></downloader>)");
     PopulateComponentList();
   }
 
   LRESULT Send(UINT message, WPARAM wParam, LPARAM lParam) const {
     return SendMessageW(window_.Window(), message, wParam, lParam);
   }
+  std::wstring Total() const { return TextOf(window_.Components().totalSizeLabel); }
 
   const TestWindow window_{CreateProgramWindow};
 };
 
+TEST_F(MainWindow, TotalFollowsTheCheckBoxes) {
+  EXPECT_EQ(CheckedComponents(), (Names{"z", "t"}));
+  EXPECT_EQ(Total(), L"Total size: 3.41 KB [after installation: 7.81 KB]");
+  ListView_SetCheckState(window_.Components().itemsView, 1, TRUE);
+  EXPECT_EQ(Total(), L"Total size: 4.65 GB [after installation: 8.38 GB]");
+  window_.Run([] { CheckOnlyComponent(3); });
+  EXPECT_EQ(CheckedComponents(), Names{"t"});
+  EXPECT_EQ(Total(), L"Total size: 500 bytes [after installation: 1000 bytes]");
+  window_.Run([] { CheckOnlyComponent(2); });
+  EXPECT_EQ(Total(), L"") << "nothing to download, though something to install";
+  app.installList.Set({"b", "unknown", "n"});
+  PopulateComponentList();
+  EXPECT_EQ(CheckedComponents(), (Names{"b", "n"})) << "the command line overrides the defaults";
+}
+
 TEST_F(MainWindow, LanguageChangesEverythingButTheWorkersTexts) {
   Send(WM_COMMAND, LANG_GERMAN, 0);
   EXPECT_EQ(TextOf(window_.Components().componentsLabel), L"Komponenten:");
-  EXPECT_TRUE(TextOf(window_.Components().totalSizeLabel).starts_with(L"Gesamtgr\u00F6\u00DFe: "));
+  EXPECT_TRUE(Total().starts_with(L"Gesamtgr\u00F6\u00DFe: "));
+  wchar_t source[64] = L"";
+  GetMenuStringW(GetMenu(window_.Window()), kFirstSourceCommand + 1, source, 64, MF_BYCOMMAND);
+  EXPECT_STREQ(source, L"Salt && Pepper");
   window_.Run(ShowInstallPage);
   window_.Installation().packageLabel.SetText(L"worker's text");
   Send(WM_COMMAND, LANG_ENGLISH, 0);
@@ -45,7 +65,6 @@ TEST_F(MainWindow, LanguageChangesEverythingButTheWorkersTexts) {
 }
 
 TEST_F(MainWindow, ForwardedCommandLineIsReadOnlyAsFarAsItGoes) {
-  using Names = std::vector<std::string>;
   std::pair<std::wstring, Names> cases[] = {{L"install:unterminated", {"unterminated"}},
                                             {std::wstring(L"install:a,b source:eu\0install:x", 31), {"a", "b"}}};
   for (auto& [sent, expected] : cases) {
@@ -56,16 +75,15 @@ TEST_F(MainWindow, ForwardedCommandLineIsReadOnlyAsFarAsItGoes) {
   EXPECT_EQ(*app.selectedSource.Get(), "eu");
 }
 
-TEST_F(MainWindow, HoverTextFitsItsBuffer) {
-  const std::pair<int, const wchar_t*> cases[] = {{11, L"Hover text"}, {10, L"Hover tex"}, {0, L"before"}};
-  for (const auto& [capacity, expected] : cases) {
-    wchar_t text[32] = L"before";
-    NMLVGETINFOTIPW request{};
-    request.hdr.code = LVN_GETINFOTIPW;
-    request.pszText = text;
-    request.cchTextMax = capacity;
-    Send(WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&request));
-    EXPECT_STREQ(text, expected);
+TEST_F(MainWindow, APageThatIsLeftIsReleasedUnlessAThreadStillFillsIt) {
+  for (const bool filling : {false, true}) {
+    window_.Run(ShowComponentsPage);
+    ComponentsPageControls* const page = &window_.Components();
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(page->totalSizeLabel.Window(), WM_GETFONT, 0, 0));
+    if (filling) app.manifestThread = ActiveThread();
+    window_.Run(ShowInstallPage);
+    EXPECT_EQ(GetObjectType(font), filling ? DWORD{OBJ_FONT} : 0u);
+    if (filling) delete page;
   }
 }
 
@@ -76,18 +94,7 @@ TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {
   SendMessageW(window_.Components().installButton.Window(), BM_CLICK, 0, 0);
   ASSERT_TRUE(window_.WaitUntilClosed());
   EXPECT_EQ(shell.Starts().at(0).verb, L"runas");
-  EXPECT_EQ(shell.Starts().at(0).parameters, L"install:gta,mta.exe source:eu");
-}
-
-TEST_F(MainWindow, ClickDuringAnUpdateOffersTheDownloadPageAndCloses) {
-  app.updateInProgress = true;
-  const BoxRecorder boxes({IDNO});
-  window_.Run([this] {
-    SetLastError(ERROR_ACCESS_DENIED);  // of something else, long ago
-    SendMessageW(window_.Components().installButton.Window(), BM_CLICK, 0, 0);
-  });
-  EXPECT_TRUE(window_.WaitUntilClosed());
-  EXPECT_TRUE(boxes.Boxes().at(0).text.starts_with(L"Please download the latest version of this app from:\n"));
+  EXPECT_EQ(shell.Starts().at(0).parameters, L"install:z,t source:eu");
 }
 
 }  // namespace

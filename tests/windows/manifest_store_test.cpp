@@ -1,87 +1,55 @@
 #include "manifest/manifest_store.h"
 
-#include <gtest/gtest.h>
+#include <filesystem>
 
-#include "app/context.h"
-#include "support/temp_folder.h"
-#include "system/files.h"
-#include "system/handles.h"
+#include "app/site.h"
+#include "manifest/manifest_retrieval.h"
+#include "support/install_scenario.h"
 
-namespace {
+static int updatesRun;
 
-std::string DocumentWith(const std::string& updater) {
-  return "\xEF\xBB\xBF<downloader>" + updater +
-         "<text>&lt;a&amp;b</text><sources><source key='eu'/></sources>"
-         "<packages><package><title>\xD0\x96</title><filename value='a'/></package></packages></downloader>";
+static int Fetch(const std::string& content, bool suppressSelfUpdate = false) {
+  manifestBuffer = "\xEF\xBB\xBF<downloader>" + content + "</downloader>";
+  return LoadManifest(suppressSelfUpdate);
 }
 
-class ManifestStore : public testing::Test {
- protected:
-  ManifestStore() {
-    app.manifestPath = folder_ / L"manifest.xml";
-    app.upward.runSelfUpdate = [](const UpdaterInfo&) { ++updatesRun; };
-    updatesRun = 0;
-    Fetch("<downloader><updater md5=''/><packages/></downloader>");  // forgets what earlier tests loaded
-  }
-  ~ManifestStore() override {
-    manifestBuffer.clear();
-    app.manifestPath.clear();
-    app.selectedSource.Set("");
-    app.updateInProgress = false;
-    app.upward.runSelfUpdate = nullptr;
-  }
+static const std::string kPackage = "<packages><package><title>\xD0\x96&lt;</title></package></packages>";
+static const std::string kUpdater = "<updater md5='m'/>";
 
-  static int Fetch(const std::string& document, bool suppressSelfUpdate = false) {
-    manifestBuffer = document;
-    return LoadManifest(suppressSelfUpdate);
-  }
+using ManifestStore = InstallScenario;
 
-  TempFolder folder_;
-  static inline int updatesRun;
-};
-
-TEST_F(ManifestStore, FetchedDocumentIsCachedWithoutItsUpdaterAndABrokenOneIsNot) {
-  ASSERT_EQ(Fetch(DocumentWith("<updater md5='m'/>")), 1);
-  EXPECT_EQ(*app.selectedSource.Get(), "eu");
+TEST_F(ManifestStore, WhatWasFetchedIsCachedWithoutItsUpdater) {
+  app.upward.runSelfUpdate = [](const UpdaterInfo&) { ++updatesRun; };
+  EXPECT_EQ(Fetch(kUpdater + kPackage, true), 1);
+  EXPECT_EQ(updatesRun, 0) << "it was suppressed";
+  const auto before = CurrentManifest();
   const std::string cache = ReadTestFile(app.manifestPath);
   EXPECT_EQ(cache.find("updater"), std::string::npos);
-  EXPECT_NE(cache.find("&lt;a&amp;b"), std::string::npos);
-  Fetch("<downloader><packages/></downloader>");
-  WriteTestFile(app.manifestPath, cache);
-  ASSERT_EQ(LoadManifest(false), 1);
-  EXPECT_EQ(CurrentManifest()->packages.at("a").title, L"\u0416");
-
-  const auto before = CurrentManifest();
-  EXPECT_EQ(Fetch("<downloader><packages>"), -1);
-  EXPECT_EQ(Fetch("<other/>"), 0);
+  EXPECT_EQ(Fetch("<packages>"), -1);
   EXPECT_EQ(CurrentManifest(), before);
   EXPECT_EQ(ReadTestFile(app.manifestPath), cache);
+  manifestBuffer.clear();
+  EXPECT_EQ(LoadManifest(false), 1);
+  EXPECT_EQ(CurrentManifest()->packages.at("").title, L"\u0416<");
+  Fetch(kUpdater);
+  EXPECT_EQ(updatesRun, 1);
 }
 
-TEST_F(ManifestStore, AnnouncedUpdateIsRunWhenItIsFetched) {
-  Fetch(DocumentWith("<updater/>"));
-  Fetch(DocumentWith("<updater md5='m'/>"), true);
-  EXPECT_EQ(updatesRun, 0) << "nothing was announced, then it was suppressed";
-  Fetch(DocumentWith(""));
-  EXPECT_EQ(updatesRun, 0) << "this document has no updater";
-  EXPECT_FALSE(app.updateInProgress);
-  Fetch(DocumentWith("<updater/>"));
-  EXPECT_EQ(updatesRun, 1) << "an earlier document announced it";
-  EXPECT_TRUE(app.updateInProgress);
-  WriteTestFile(app.manifestPath, DocumentWith("<updater md5='m'/>"));
-  LoadManifest(false);
-  EXPECT_EQ(updatesRun, 1) << "it stood in the cache";
-  EXPECT_FALSE(PathExists(app.manifestPath));
+TEST_F(ManifestStore, ACacheOfTheLastHourSparesTheNetwork) {
+  Fetch(kPackage);
+  server_.Answer("/play/files/repository.php", Serving("<downloader>" + kPackage + "</downloader>"));
+  for (const auto& [ageSeconds, requests] : {std::pair(3590, 0u), {3610, 1u}, {0, 1u}}) {
+    using namespace std::filesystem;
+    last_write_time(app.manifestPath, file_time_type::clock::now() - std::chrono::seconds(ageSeconds));
+    ManifestThreadProc(nullptr);
+    EXPECT_EQ(server_.Requests().size(), requests) << ageSeconds;
+  }
 }
 
-TEST_F(ManifestStore, CacheThatCannotBeReplacedStaysWhole) {
-  WriteTestFile(app.manifestPath, "old");
-  FileHandle reader(CreateFileW(app.manifestPath.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                FILE_ATTRIBUTE_NORMAL, nullptr));
-  EXPECT_EQ(Fetch(DocumentWith("")), 1);
-  EXPECT_TRUE(ManifestCacheSaveFailed());
-  EXPECT_EQ(ReadTestFile(app.manifestPath), "old");
-  EXPECT_FALSE(PathExists(folder_ / L"manifest.new"));
+TEST_F(ManifestStore, UrlTellsTheRepositoryOnlyWhatApplies) {
+  EXPECT_EQ(BuildManifestUrl(), RepositoryAddress() + L"?l=9");
+  app.uuid = "0aB";
+  app.darkMode = true;
+  app.startupWaitMs = 4294967295u;
+  EXPECT_EQ(BuildManifestUrl(), RepositoryAddress() + L"?l=9&u=0aB&dt=1&sd=4294967295");
 }
-
-}  // namespace

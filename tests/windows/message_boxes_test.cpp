@@ -1,15 +1,13 @@
+// What the user is asked and told when something can't be done.
 #include "app/message_boxes.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "app/context.h"
+#include "net/error_text.h"
 #include "support/box_recorder.h"
-#include "support/replaced_import.h"
 #include "support/shell_recorder.h"
 #include "support/temp_folder.h"
 #include "system/files.h"
+#include "system/process.h"
 
 extern "C" decltype(&CreateDirectoryW) importedCreateDirectory __asm__("__imp__CreateDirectoryW@8");
 
@@ -28,33 +26,29 @@ TEST(MessageBoxes, DeniedTempFolderCanBeRepaired) {
   app.tmpPath.Set(folder / L"new");
   const ReplacedImport createDirectory(importedCreateDirectory, DenyAtFirst);
   realCreateDirectory = createDirectory.Original();
-  struct Case {
+  const struct {
     int denials;
     std::deque<int> answers;
     DWORD repairError;
     int result;
-  };
-  for (const Case& test : {Case{1, {IDNO}, 0, 0}, Case{1, {IDYES}, ERROR_CANCELLED, 0}, Case{2, {IDYES, IDOK}, 0, 0},
-                           Case{1, {IDYES}, 0, 2}, Case{0, {}, 0, 1}}) {
+  } cases[] = {{1, {IDNO}, 0, 0}, {1, {IDYES}, ERROR_CANCELLED, 0}, {2, {IDYES, IDOK}, 0, 0}, {1, {IDYES}, 0, 2}};
+  for (const auto& test : cases) {
     denials = test.denials;
     const ShellRecorder shell(test.repairError);
     const BoxRecorder boxes(test.answers);
     EXPECT_EQ(EnsureTempFolder(), test.result);
     EXPECT_EQ(IsDirectory(folder / L"new"), test.result != 0);
-    EXPECT_EQ(std::ssize(shell.Starts()), std::ranges::count(test.answers, IDYES));
+    EXPECT_EQ(shell.Starts().size(), test.answers[0] == IDYES ? 1u : 0u);
   }
-  app.tmpPath.Set({});
 }
 
-TEST(MessageBoxes, LatestVersionIsOffered) {
-  const ShellRecorder shell;
-  const BoxRecorder boxes({IDNO, IDYES});
-  PromptDownloadLatest(L"");
-  SetLastError(12029);
-  PromptDownloadLatest(L"https://zendora.example/");
-  EXPECT_EQ(boxes.Boxes().at(1).text,
-            L"Error: 12029\n\nPlease download the latest version of this app from:\nhttps://zendora.example/\n\nOpen?");
-  EXPECT_EQ(shell.Starts().at(0).file, L"https://zendora.example/");
+// A person who refused the consent prompt must not get the program without elevation instead.
+TEST(RunProcess, RefusedElevationIsTold) {
+  const ShellRecorder shell(ERROR_CANCELLED);
+  const BoxRecorder boxes({IDOK});
+  EXPECT_FALSE(RunProcess(true, true, L"setup.exe", L"a b"));
+  EXPECT_EQ(boxes.Boxes().at(0).text, L"Error: 1223\n" + GetErrorText(ERROR_CANCELLED) + L"\nFile: setup.exe\n\n" +
+                                          L"Please start Zendora Installer with Administrator privileges");
 }
 
 }  // namespace

@@ -1,114 +1,119 @@
 #include "install/package_placement.h"
 
-#include <windows.h>
-
-#include "manifest/game_paths.h"
 #include "support/box_recorder.h"
-#include "support/placement_fixture.h"
-#include "support/text_recorder.h"
-#include "system/files.h"
+#include "support/install_scenario.h"
+#include "support/zip_builder.h"
 #include "system/text.h"
 
-namespace {
-
-class PackagePlacementTest : public PlacementFixture {
+class PackagePlacementTest : public InstallScenario {
  protected:
-  PlacementResult Place() { return PlacePackage(run_, package_, target_); }
-
-  // The programs that are run are copies of the command interpreter.
-  static void PutInterpreter(const std::wstring& path) {
-    wchar_t interpreter[MAX_PATH];
-    GetEnvironmentVariableW(L"ComSpec", interpreter, MAX_PATH);
-    WriteTestFile(path, ReadTestFile(interpreter));
+  // Makes the package an archive of these entries, announced with the size that they unpack to.
+  void Pack(const std::vector<TestEntry>& entries) {
+    BuildZip(file_, entries);
+    package_.filetype = "application/x-zip-compressed";
+    package_.upsize = 0;
+    for (const TestEntry& entry : entries) package_.upsize += static_cast<int64_t>(entry.content.size());
   }
+  PlacementResult Place() { return PlacePackage(run_, package_, target_); }
 };
 
-TEST_F(PackagePlacementTest, TargetFolder) {
-  for (const wchar_t* name : {L"", L"..\\other", L"\\games", L"C:\\games", L"a/../../b", L"nul"}) {
-    package_.name = name;
-    EXPECT_EQ(ResolveTargetFolder(run_, package_), L"") << name;
+TEST_F(PackagePlacementTest, EveryKindOfEntryIsUnpackedOverWhatIsThere) {
+  const std::string password = package_.password = "p\xE4ss w\xFCrd";
+  const std::vector<TestEntry> entries = {
+      {.name = "models/deep/gta3.img", .content = TestBytes(12'288)},
+      {.name = "\xC3\xA9.exe", .content = "new program", .stored = true},  // no code page, not even UTF-8
+      {.name = "secret", .content = TestBytes(50'000, 2), .password = password},
+      {.name = "secret and stored", .content = TestBytes(9'000, 3), .password = password, .stored = true},
+      {.name = "secret of a stream", .content = TestBytes(9'000, 4), .password = password, .sizesFollow = true},
+  };
+  Pack(entries);
+  WriteTestFile(target_ + L"\\\u00C3\u00A9.exe", "the old program, which is longer");
+  EXPECT_TRUE(Place().ok);
+  for (const TestEntry& entry : entries) {
+    EXPECT_EQ(ReadTestFile(target_ + L"\\" + WidenBytes(entry.name)), entry.content) << entry.name;
   }
-  const std::wstring existing = folder_ / L"existing", below = run_.installPath + L"\\GTA\\mods";
-  package_.name = L"GTA\\mods";
-  run_.existingFolders["pack.bin"] = existing;
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), below) << "the existing installation is gone";
-  EXPECT_EQ(CreateDirectories(existing), 0u);
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), existing);
-  gamePaths.gtaFolder = folder_ / L"found game";
-  package_.folder = "{gtasa_folder}";
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), gamePaths.gtaFolder);
-  gamePaths = {};
 }
 
-TEST_F(PackagePlacementTest, FilesAreCopiedAndVerified) {
-  WriteTestFile(InTarget(L"pack.bin"), "an older one");
-  WriteTestFile(InTarget(L"models\\gta3.img"), "");
-  package_.verify = "pack.bin||models|models/gta3.img|";
-  EXPECT_TRUE(Place().ok);
-  EXPECT_EQ(ReadTestFile(InTarget(L"pack.bin")), "the package");
+TEST_F(PackagePlacementTest, AnArchiveIsCompleteFrom99PercentOn) {
+  const std::tuple<size_t, int64_t, uint32_t> cases[] = {
+      {990, 1000, 99}, {989, 1000, 98}, {1500, 1000, 150}, {7, 0, 100}, {1, INT64_MAX, 0}};
+  for (const auto& [content, upsize, percentage] : cases) {
+    Pack({{"file.bin", std::string(content, 'x')}});
+    package_.upsize = upsize;
+    EXPECT_EQ(Place().ok, percentage >= 99) << content << " of " << upsize;
+    EXPECT_EQ(run_.packageStats["fox"].extracted, percentage) << content << " of " << upsize;
+  }
+}
 
-  package_.verify = "pack.bin|lost folder/lost.dll|lost too.dll";
-  const BoxRecorder recorder({IDOK});
+TEST_F(PackagePlacementTest, WhatIsSkippedOrSpoiltDoesNotCount) {
+  Pack({{"good.txt", "good"}, {.name = "bad.txt", .content = "some content", .stored = true}, {"../\nup.txt", "bad"}});
+  std::string bytes = ReadTestFile(file_);
+  ASSERT_TRUE(ReplaceFirst(bytes, "some content", "sOme content"));
+  WriteTestFile(file_, bytes);
+  EXPECT_EQ(Place().error, ERROR_CRC);
+  EXPECT_EQ(window_.LogLines(),
+            (Lines{L"Extracting: good.txt", L"Extracting: bad.txt", L"[ERROR] Wrong content (zip) (bad.txt)",
+                   L"[ERROR] Unsafe entry name (zip) (..\\?up.txt)", L"Extraction complete (4 / 19)"}));
+  EXPECT_EQ(run_.errorRecords, IncompleteExtractionRecord("fox", ERROR_CRC, 0, 4, 19));
+  package_.upsize = 0;  // even if nothing is announced
+  EXPECT_FALSE(Place().ok);
+}
+
+TEST_F(PackagePlacementTest, AGameThatRunsMayHoldAFileOfTheSameSize) {
+  const std::wstring game = target_ + L"\\game.exe";
+  WriteTestFile(game, "RUNNING GAME");
+  const FileHandle held(CreateFileW(game.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  Pack({{"game.exe", "running game"}});
+  EXPECT_TRUE(Place().ok);
+  Pack({{"game.exe", "of another size"}});
+  EXPECT_EQ(Place().error, ERROR_SHARING_VIOLATION);
+}
+
+TEST_F(PackagePlacementTest, FilesAreVerified) {
+  WriteTestFile(file_, kFox);
+  WriteTestFile(target_ + L"\\models\\gta3.img", "");
+  package_.verify = "fox||models|models/gta3.img|";
+  EXPECT_TRUE(Place().ok);
+  package_.verify = "fox|lost folder/lost.dll|lost too.dll";
+  const BoxRecorder boxes({IDOK});
   EXPECT_EQ(Place().error, ERROR_PATH_NOT_FOUND);
-  const std::wstring path = InTarget(L"lost folder/lost.dll");
-  EXPECT_EQ(run_.errorRecords, VerifyFailedRecord("pack.bin", ERROR_PATH_NOT_FOUND, path));
-  EXPECT_EQ(recorder.Boxes().at(0).text,
+  const std::wstring path = target_ + L"\\lost folder/lost.dll";
+  EXPECT_EQ(run_.errorRecords, VerifyFailedRecord("fox", ERROR_PATH_NOT_FOUND, path));
+  EXPECT_EQ(boxes.Boxes().at(0).text,
             L"Component installation failed\n\nRequired file or folder is missing:\n" + path +
                 L"\n\nThis error could be caused by other program (for example by virus or antivirus)");
 }
 
-TEST_F(PackagePlacementTest, AnInstallerThatRanMakesUpForAFailedExtraction) {
+TEST_F(PackagePlacementTest, InstallersAreRunWithTheirArguments) {
   const std::wstring output = folder_ / L"ran.txt";
-  PutInterpreter(packagePath_);
-  PutInterpreter(InTarget(L"setup\\install.exe"));
-  WriteTestFile(InTarget(L"empty.exe"), "");
-  package_.filetype = "application/x-zip-compressed";
-  for (const std::string program : {"", "missing.exe", "empty.exe", "setup/install.exe"}) {
-    // Some take this exit code for "still running".
-    package_.install = program + "|/c \"echo ran>\"" + WideToUtf8(output) + "\" & exit 259\"|more";
-    EXPECT_TRUE(Place().ok) << program;
-    EXPECT_TRUE(DeleteFileW(output.c_str())) << program;
-  }
-}
-
-TEST_F(PackagePlacementTest, AnInstallerThatCannotBeStartedIsTold) {
+  // Some take this exit code for "still running".
+  package_.install = "setup.exe|/c \"echo ran>\"" + WideToUtf8(output) + "\" & exit 259\"|more";
   package_.filetype = "application/x-msdownload";
-  EXPECT_FALSE(Place().ok) << "there is nothing to do with this type but to run it";
-  package_.install = "missing.exe|/silent";
-  const BoxRecorder recorder({IDNO});
+  WriteTestFile(file_, kFox);  // no program, but what is run where setup.exe is missing
+  const BoxRecorder boxes({IDNO});
   EXPECT_EQ(Place().error, ERROR_BAD_EXE_FORMAT);
-  EXPECT_EQ(run_.errorRecords, InstallerNotStartedRecord("pack.bin", ERROR_BAD_EXE_FORMAT));
-  EXPECT_EQ(
-      recorder.Boxes().at(0).text,
-      L"Unable to start the process\n\nYou can try to start this process manually:\n" + packagePath_ + L"\n\nOpen?");
-}
-
-TEST_F(PackagePlacementTest, CancellingEndsTheInstaller) {
-  PutInterpreter(packagePath_);
-  package_.install = "|/c for /l %i in (0,0,1) do rem";
-  const std::wstring text = L"Installer is running in the background";
-  int rounds = 0;  // the second one begins after 16 polls
-  const TextRecorder label(window_, window_.Installation().totalDetailLabel, [&](const std::wstring& shown) {
-    if (shown == text + L"." && ++rounds == 2) app.cancelRequested = true;
-  });
+  EXPECT_EQ(run_.errorRecords, InstallerNotStartedRecord("fox", ERROR_BAD_EXE_FORMAT));
+  EXPECT_EQ(boxes.Boxes().at(0).text,
+            L"Unable to start the process\n\nYou can try to start this process manually:\n" + file_ + L"\n\nOpen?");
+  wchar_t interpreter[MAX_PATH];
+  GetEnvironmentVariableW(L"ComSpec", interpreter, MAX_PATH);
+  WriteTestFile(target_ + L"\\setup.exe", ReadTestFile(interpreter));
   EXPECT_TRUE(Place().ok);
-  EXPECT_EQ(label.Texts(), (Lines{L"-", text, text + L".", text + L"..", text + L"...", text + L"."}));
-  // Only a program that has ended lets its file go.
-  for (int attempt = 0; attempt < 100 && !DeleteFileW(packagePath_.c_str()); ++attempt) Sleep(50);
-  EXPECT_FALSE(PathExists(packagePath_));
+  EXPECT_TRUE(PathExists(output));
 }
 
 TEST_F(PackagePlacementTest, PathsThatLeaveTheirFolderAreRefused) {
-  const std::pair<std::string Package::*, std::string> cases[] = {
-      {&Package::filename, "../pack.bin"},         {&Package::filename, ""},
-      {&Package::verify, "fine.txt|../../up"},     {&Package::install, "../evil.exe|/s"},
-      {&Package::link, "\\\\host\\evil.exe|Game"}, {&Package::execute, "C:\\evil.exe"}};
+  EXPECT_TRUE(PathsStayInside(package_));
+  const std::pair<std::string Package::*, std::string> cases[] = {{&Package::filename, "../fox"},
+                                                                  {&Package::verify, "fine.txt|../../up"},
+                                                                  {&Package::install, "../evil.exe|/s"},
+                                                                  {&Package::link, "\\\\host\\evil.exe|Game"},
+                                                                  {&Package::execute, "C:\\evil.exe"}};
   for (const auto& [field, path] : cases) {
     Package package = package_;
     package.*field = path;
     EXPECT_FALSE(PathsStayInside(package)) << path;
   }
-  EXPECT_TRUE(PathsStayInside(package_));
+  package_.name = L"..\\other";
+  EXPECT_EQ(ResolveTargetFolder(run_, package_), L"");
 }
-
-}  // namespace

@@ -1,28 +1,17 @@
-#include <gtest/gtest.h>
-#include <windows.h>
-
-#include <string>
-#include <string_view>
-
-#include "app/context.h"
+// Texts in all languages.
 #include "app/localization.h"
+#include "app/ui_language.h"
+#include "support/test_window.h"
 #include "system/text.h"
 
 namespace {
 
-// The bytes of a resource that is stored in exactly this language; empty when there is none.
-std::string_view Resource(const wchar_t* type, unsigned id, unsigned language) {
-  const HRSRC found = FindResourceExW(app.instance, type, MAKEINTRESOURCEW(id), static_cast<WORD>(language));
-  if (!found) return {};
-  return {static_cast<const char*>(LockResource(LoadResource(app.instance, found))),
-          SizeofResource(app.instance, found)};
-}
-
 // A text as one language's own string table has it, without falling back to English.
 std::wstring TextIn(unsigned language, unsigned id) {
-  const std::string_view bytes = Resource(RT_STRING, id / 16 + 1, language);
-  if (bytes.empty()) return {};
-  auto text = reinterpret_cast<const wchar_t*>(bytes.data());
+  const HRSRC block =
+      FindResourceExW(app.instance, RT_STRING, MAKEINTRESOURCEW(id / 16 + 1), static_cast<WORD>(language));
+  if (!block) return {};
+  auto text = static_cast<const wchar_t*>(LockResource(LoadResource(app.instance, block)));
   for (unsigned i = 0; i < id % 16; ++i) text += 1 + *text;
   return std::wstring(text + 1, *text);
 }
@@ -40,26 +29,56 @@ TEST(Resources, TranslationsFitTheJointsOfTheEnglishTexts) {
       EXPECT_EQ(text.find_first_of(L"&\t\r\n\"\uFFFD"), std::wstring::npos);
     }
   }
-}
-
-// Characters that each language can't be written without; they get lost when a file is read in a wrong code page.
-TEST(Resources, TranslationsKeepTheirLetters) {
-  EXPECT_EQ(TextIn(LANG_GERMAN, STR_OPEN), L"\u00D6ffnen");
-  EXPECT_EQ(TextIn(LANG_SPANISH, STR_TOTAL_SIZE), L"Tama\u00F1o total");
-  EXPECT_EQ(TextIn(LANG_POLISH, STR_ERROR), L"B\u0142\u0105d");
-  EXPECT_EQ(TextIn(LANG_PORTUGUESE, STR_OPTIONS), L"Op\u00E7\u00F5es");
+  // Letters that get lost when a file is read in a wrong code page.
   EXPECT_EQ(TextIn(LANG_RUSSIAN, STR_FILE), L"\u0424\u0430\u0439\u043B");
   EXPECT_EQ(TextIn(LANG_TURKISH, STR_EXIT), L"\u00C7\u0131k\u0131\u015F");
 }
 
-TEST(Resources, QuestionMarkOpensTheAboutDialog) {
-  ACCEL entries[3] = {};
-  const HACCEL table = LoadAcceleratorsW(app.instance, MAKEINTRESOURCEW(ACCELERATORS_MAIN));
-  ASSERT_EQ(CopyAcceleratorTableW(table, entries, 3), 2);
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(entries[i].fVirt & 0x7F, FALT);  // a character, not a virtual key
-    EXPECT_EQ(entries[i].key, L"?/"[i]);
-    EXPECT_EQ(entries[i].cmd, COMMAND_ABOUT);
+// Whether the text of a label or button fits it, measured with its font.
+BOOL CALLBACK ExpectTextFits(HWND control, LPARAM) {
+  constexpr LONG kButtonPadding = 12, kShieldWidth = 22;
+  const LRESULT kind = SendMessageW(control, WM_GETDLGCODE, 0, 0);
+  if (!(kind & (DLGC_BUTTON | DLGC_STATIC))) return TRUE;
+  const std::wstring text = TextOf(control);
+  RECT room{};
+  GetClientRect(control, &room);
+  if (kind & DLGC_BUTTON) room.right -= kButtonPadding;
+  if (text == LoadLocalizedString(STR_INSTALL)) room.right -= kShieldWidth;
+  const HDC dc = GetDC(control);
+  const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0));
+  const HGDIOBJ previous = SelectObject(dc, font);
+  SIZE size{};
+  GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+  EXPECT_LE(size.cx, room.right) << WideToUtf8(text);
+  EXPECT_LE(size.cy, room.bottom) << WideToUtf8(text);
+  SelectObject(dc, previous);
+  ReleaseDC(control, dc);
+  return TRUE;
+}
+
+TEST(Resources, TextsFitTheirControlsInEveryLanguage) {
+  const TestWindow window(CreateProgramWindow);
+  const auto text = LoadLocalizedString;
+  for (const auto& [language, name] : UiLanguages()) {
+    SCOPED_TRACE(WideToUtf8(name));
+    window.Run([&, language = language] {
+      SetUiLanguage(language);
+      ShowComponentsPage();
+      window.Components().totalSizeLabel.SetText(text(STR_TOTAL_SIZE) + L": 1023 MB [" + text(STR_AFTER_INSTALLATION) +
+                                                 L": 1023 MB]");
+      EnumChildWindows(window.Window(), ExpectTextFits, 0);
+      ShowInstallPage();
+      const InstallPageControls& page = window.Installation();
+      page.packageLabel.SetText(text(STR_DOWNLOADING_PACKAGE) + L": Zendora client resources (99 / 99)");
+      page.totalLabel.SetText(text(STR_INSTALLING_PACKAGE) + L": Zendora client resources (99 / 99)");
+      page.totalDetailLabel.SetText(text(STR_EXTRACTING) + L": resources\\textures\\vehicles.txd (100%)");
+      EnumChildWindows(window.Window(), ExpectTextFits, 0);
+      const HWND dialog = CreateDialogParamW(app.instance, MAKEINTRESOURCEW(DIALOG_SPEED_LIMIT), nullptr, nullptr, 0);
+      SetDlgItemTextW(dialog, SPEED_RESET, text(STR_RESET).c_str());
+      SetDlgItemTextW(dialog, IDCANCEL, text(STR_CANCEL).c_str());
+      EnumChildWindows(dialog, ExpectTextFits, 0);
+      DestroyWindow(dialog);
+    });
   }
 }
 

@@ -1,99 +1,70 @@
 // What start-up settles before there is a window.
 #include <gtest/gtest.h>
 
-#include <thread>
+#include <optional>
 
-#include "app/command_line.h"
 #include "app/context.h"
-#include "app/environment.h"
-#include "app/localization.h"
-#include "app/single_instance.h"
-#include "support/box_recorder.h"
-#include "support/replaced_import.h"
-#include "support/shell_recorder.h"
+#include "app/replaced_program.h"
+#include "app/settings.h"
 #include "support/temp_folder.h"
-#include "support/test_window.h"
 #include "system/files.h"
-
-extern "C" decltype(&GetUserDefaultUILanguage) importedUserLanguage __asm__("__imp__GetUserDefaultUILanguage@0");
+#include "system/text.h"
 
 namespace {
 
-LANGID windowsLanguage;
-LANGID WINAPI GiveWindowsLanguage() { return windowsLanguage; }
-
-class SingleInstance : public testing::Test {
- protected:
-  ~SingleInstance() override {
-    app.instanceMutex.Reset();
-    app.startupWaitMs = 0;
-    app.commandLine.clear();
-  }
-
-  KernelHandle mutexOfFirst_{CreateMutexW(nullptr, FALSE, kApplicationId)};
-};
-
-TEST_F(SingleInstance, HandsItsWholeCommandLineToTheFirstOrNothing) {
-  const TestWindow window(CreateProgramWindow);
-  for (const size_t length : {259u, 260u}) {  // the longest that fits, and one that doesn't
-    app.commandLine = L"old";
-    ShowWindow(window.Window(), SW_MINIMIZE);
-    EXPECT_FALSE(ClaimSingleInstance(std::wstring(length, L'a')));
-    EXPECT_EQ(app.commandLine, length == 259 ? std::wstring(length, L'a') : L"old");
-    EXPECT_FALSE(IsIconic(window.Window()));
+TEST(Settings, FoldersMustExistAndFitAPathWithTheManifest) {
+  const TempFolder existing;
+  app.appDataPath = existing.Path();
+  for (const size_t length : {0u, 247u, 248u, 259u, 260u}) {
+    std::wstring folder = length == 0 ? existing / L"gone" : existing.Path();
+    if (length != 0) folder.resize(length, L'\\');
+    app.tmpPath.Set(folder);
+    app.installPath.Set(folder);
+    SaveLastTmpPath();
+    SaveLastInstallPath();
+    LoadSettings();
+    EXPECT_EQ(*app.tmpPath.Get(), length == 247 ? folder : app.dataDir);
+    EXPECT_EQ(*app.installPath.Get() == folder, length >= 247 && length <= 259);
   }
 }
 
-TEST_F(SingleInstance, WaitsForTheEndOfTheFirst) {
-  std::thread first([this] {
-    while (std::atomic_ref(app.startupWaitMs).load() < 100) Sleep(1);
-    mutexOfFirst_.Reset();
-  });
-  EXPECT_TRUE(ClaimSingleInstance(L""));
-  first.join();
-  EXPECT_TRUE(app.instanceMutex);
-}
-
-TEST_F(SingleInstance, ShowsAFirstThatStaysInTheTaskManager) {
-  const ShellRecorder shell;
-  const BoxRecorder boxes({IDOK});
-  EXPECT_FALSE(ClaimSingleInstance(L""));
-  EXPECT_EQ(app.startupWaitMs, 1000u);
-  EXPECT_EQ(boxes.Boxes().at(0).text, L"Another instance is running. You should close already opened program first.");
-  EXPECT_EQ(shell.Starts().at(0).file, SystemFilePath(L"taskmgr.exe"));
-}
-
-TEST(CommandLine, BackupGoesOnlyAfterAnUpdate) {
-  const TempFolder folder;
-  app.backupPath = folder / L"program.exe.backup";
-  WriteTestFile(app.backupPath, "old program");
-  ParseCommandLine(L"source:\u0416 updated");
-  EXPECT_EQ(*app.selectedSource.Get(), "\xD0\x96");
-  EXPECT_TRUE(PathExists(app.backupPath));
-  ParseCommandLine(L"updated source:");
-  EXPECT_FALSE(PathExists(app.backupPath));
-  app.commandLine.clear();
-}
-
-TEST(Environment, UserAgentTellsTheSystem) {
-  EXPECT_EQ(BuildUserAgent(10, 0, 19045, true), L"Zendora Installer/4.0.8 (Windows NT 10.0; Win64; x64; Build/19045)");
-}
-
-TEST(Localization, UserGetsAnOfferedLanguage) {
-  const ReplacedImport replaced(importedUserLanguage, GiveWindowsLanguage);
-  constexpr LANGID kAustrian = MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN_AUSTRIAN), kOld = LANG_SPANISH;
-  const LANGID cases[][3] = {{LANG_TURKISH, LANG_GERMAN, LANG_TURKISH},
-                             {LANG_UKRAINIAN, LANG_GERMAN, kOld},
-                             {0, kAustrian, LANG_GERMAN},
-                             {0, LANG_UKRAINIAN, LANG_RUSSIAN},
-                             {0, LANG_FRENCH, kOld}};
-  for (const auto& [stored, windows, expected] : cases) {
-    windowsLanguage = windows;
-    app.uiLanguage = kOld;
-    EXPECT_EQ(ResolveUiLanguage(stored), expected != kOld);
-    EXPECT_EQ(app.uiLanguage, expected) << stored << " " << windows;
+TEST(Settings, OnlyAValidUuidTakesThePlaceOfTheMachines) {
+  LoadSettings();
+  const std::string machines = app.uuid, valid = "01234567-89ab-cdef-0123-456789ABCDEF";
+  for (const std::string& stored : {valid, valid.substr(1), "g" + valid.substr(1), valid.substr(1) + "0"}) {
+    RegSetKeyValueA(HKEY_CURRENT_USER, WideToUtf8(app.registryKeyPath).c_str(), "UUID", REG_SZ, stored.c_str(),
+                    static_cast<DWORD>(stored.size() + 1));
+    LoadSettings();
+    EXPECT_EQ(app.uuid, stored == valid ? valid : machines);
   }
-  app.uiLanguage = LANG_ENGLISH;
+}
+
+TEST(ReplacedProgram, TakesItsPlaceAgainWhenItIsStarted) {
+  const struct {
+    const wchar_t* started;
+    std::optional<std::string> inPlace;
+    const wchar_t* runsAs;
+  } cases[] = {
+      {L"setup.exe.backup", std::nullopt, L"setup.exe"},              // ended before the new one was there
+      {L"setup.exe.backup", "half", L"setup.exe"},                    // ended while the new one was copied
+      {L"setup.exe.backup", "the new program", L"setup.exe.backup"},  // beside the whole new one
+      {L"backup.exe", "other", L"backup.exe"},
+  };
+  for (const auto& test : cases) {
+    const TempFolder folder;
+    app.exePath = folder / test.started;
+    app.tmpPath.Set(folder.Path());
+    if (test.inPlace) WriteTestFile(folder / L"setup.exe", *test.inPlace);
+    WriteTestFile(app.exePath, "whole");
+    WriteTestFile(UpdateFilePath(), "the new program");
+    RestoreReplacedProgram();
+    EXPECT_EQ(app.exePath, folder / test.runsAs);
+    EXPECT_EQ(ReadTestFile(app.exePath), "whole");
+    app.backupPath = folder / L"somebody's own";
+    WriteTestFile(app.backupPath, "old");
+    RemoveForgottenCopy();
+    EXPECT_TRUE(PathExists(app.backupPath)) << "this is not the program that was downloaded";
+  }
 }
 
 }  // namespace

@@ -1,114 +1,120 @@
 #include "app/theme.h"
 
-#include <commctrl.h>
-#include <gtest/gtest.h>
+#include <map>
 
-#include "app/context.h"
-#include "app/pages.h"
+#include "app/dark_menu_bar.h"
+#include "app/theme_api.h"
 #include "app/theme_brushes.h"
-#include "support/dark_windows.h"
-#include "support/test_window.h"
+#include "resource.h"
+#include "support/opened_dialog.h"
 
 namespace {
 
-TEST(Theme, NeedsAWindowsThatHasAllOfIt) {
-  const struct {
-    uint32_t major, build;
-    std::string missing;
-    bool supported;
-  } cases[] = {
-      {10, 17763, "", true},      {10, 17762, "", false},    {6, 20000, "", false},
-      {10, 22631, "#135", false}, {10, 22631, "#106", true},
-  };
-  for (const auto& test : cases) {
-    DarkWindows windows(test.build, test.major);
-    windows.missing = test.missing;
-    SetupDarkMode();
-    EXPECT_EQ(app.darkModeSupported, test.supported) << test.build << test.missing;
-    EXPECT_EQ(app.darkMode, test.supported) << test.build << test.missing;
+// The entry points of a Windows that knows dark mode. They record what they are asked and change nothing.
+bool userWantsDark;
+std::map<HWND, std::wstring> styles;
+std::map<HWND, bool> allowed, darkTitleBars;
+
+void WINAPI RefreshColorPolicy() {}
+bool WINAPI ShouldAppsUseDarkMode() { return userWantsDark; }
+bool WINAPI AllowDarkModeForWindow(HWND window, bool allow) { return std::exchange(allowed[window], allow); }
+bool WINAPI IsDarkModeAllowedForWindow(HWND window) { return allowed[window]; }
+HRESULT WINAPI RecordStyle(HWND window, const wchar_t* name, const wchar_t*) {
+  styles[window] = name ? name : L"the system's own";
+  return S_OK;
+}
+BOOL WINAPI SetCompositionAttribute(HWND window, const CompositionAttribute* attribute) {
+  darkTitleBars[window] = *static_cast<const BOOL*>(attribute->value);
+  return TRUE;
+}
+
+void CreateDarkWindow() {
+  app.darkModeSupported = true;
+  app.darkMode = true;
+  ThemeApi& api = Theme();
+  api.build = kPreferredModeBuild;
+  api.RefreshColorPolicy = RefreshColorPolicy;
+  api.ShouldAppsUseDarkMode = ShouldAppsUseDarkMode;
+  api.AllowDarkModeForWindow = AllowDarkModeForWindow;
+  api.IsDarkModeAllowedForWindow = IsDarkModeAllowedForWindow;
+  api.SetWindowTheme = RecordStyle;
+  api.SetWindowCompositionAttribute = SetCompositionAttribute;
+  CreateProgramWindow();
+}
+
+class DarkMode : public testing::Test {
+ protected:
+  // The user chooses an appearance, and the system tells a window so.
+  static void Choose(bool dark, HWND window) {
+    userWantsDark = dark;
+    SendMessageW(window, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"ImmersiveColorSet"));
   }
-}
-
-TEST(Theme, TitleBarIsDarkenedTheWayOfTheBuild) {
-  for (const uint32_t build : {18361u, 18362u}) {
-    DarkWindows windows(build);
-    SetupDarkMode();
-    const TestWindow window(CreateProgramWindow);
-    EXPECT_EQ(GetPropW(window.Window(), L"UseImmersiveDarkModeColors") != nullptr, build == 18361);
-    EXPECT_EQ(windows.darkTitleBars[window.Window()], build == 18362);
+  // What a window shows at a point of its client area.
+  COLORREF PixelOf(HWND window, int x, int y) const {
+    COLORREF pixel = 0;
+    window_.Run([&] {
+      RedrawWindow(window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+      const HDC dc = GetDC(window);
+      pixel = GetPixel(dc, x, y);
+      ReleaseDC(window, dc);
+    });
+    return pixel;
   }
-}
 
-TEST(Theme, WithoutSupportEverythingStaysAsItIs) {
-  DarkWindows windows;
-  windows.missing = "#137";
-  SetupDarkMode();
-  const TestWindow window(CreateProgramWindow);
-  window.Run(ShowInstallPage);
-  DarkWindows::TellColorSetChange(window.Window());
-  EXPECT_TRUE(windows.styles.empty());
-  EXPECT_TRUE(windows.allowed.empty());
-}
+  const TestWindow window_{CreateDarkWindow};
+};
 
-TEST(Theme, ComponentsPageFollowsTheUser) {
-  DarkWindows windows;
-  SetupDarkMode();
-  const TestWindow window(CreateProgramWindow);
-  const HWND list = window.Components().itemsView;
+TEST_F(DarkMode, ComponentsPageFollowsTheUser) {
+  const HWND list = window_.Components().itemsView, button = window_.Components().installButton.Window();
   for (const bool dark : {true, false, true}) {
-    windows.userWantsDark = dark;
-    SendMessageW(window.Window(), WM_SETTINGCHANGE, 0, 0);  // of something else
-    DarkWindows::TellColorSetChange(window.Window());
+    Choose(dark, window_.Window());
     EXPECT_EQ(app.darkMode, dark);
-    EXPECT_EQ(windows.darkTitleBars[window.Window()], dark);
-    EXPECT_EQ(windows.styles[list].name, dark ? L"ItemsView" : L"Explorer");
-    EXPECT_EQ(windows.styles[window.Components().installButton.Window()].name, L"Explorer");
-    EXPECT_EQ(windows.allowed[window.Components().installButton.Window()], dark);
+    EXPECT_EQ(darkTitleBars[window_.Window()], dark);
+    EXPECT_EQ(styles[list], dark ? L"ItemsView" : L"Explorer");
+    EXPECT_EQ(styles[button], L"Explorer");
+    EXPECT_EQ(allowed[button], dark);
     EXPECT_EQ(static_cast<COLORREF>(SendMessageW(list, LVM_GETTEXTCOLOR, 0, 0)), dark ? kWhite : kBlack);
     EXPECT_EQ(static_cast<COLORREF>(SendMessageW(list, LVM_GETBKCOLOR, 0, 0)), dark ? kBlack : kWhite);
   }
-  windows.highContrast = true;
-  DarkWindows::TellColorSetChange(window.Window());
-  EXPECT_FALSE(app.darkMode);
 }
 
-TEST(Theme, NothingOfTheOtherAppearanceStaysOnTheInstallationPage) {
-  DarkWindows windows;
-  SetupDarkMode();
-  const TestWindow window(CreateProgramWindow);
-  window.Run(ShowInstallPage);
-  const HWND checkBox = window.Installation().deleteTmpCheckbox.Window();
-  const std::pair<POINT, COLORREF> background{{2, 2}, kWhite}, log{{100, 250}, kWhite}, label{{300, 17}, kWhite},
-      besideCheckMark{{500, 368}, kWhite};
+TEST_F(DarkMode, NothingOfTheOtherAppearanceStaysOnTheInstallationPage) {
+  window_.Run(ShowInstallPage);
+  const POINT background{2, 2}, log{100, 250}, label{300, 17}, besideCheckMark{500, 368};
   for (const bool dark : {true, false, true}) {
-    windows.userWantsDark = dark;
-    DarkWindows::TellColorSetChange(window.Window());
-    EXPECT_EQ(windows.styles[checkBox].name, dark ? std::optional<std::wstring>(L"") : std::nullopt);
-    window.Run([&] {
-      RedrawWindow(window.Window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-      const HDC dc = GetDC(window.Window());
-      for (const auto& [at, light] : {background, log, label, besideCheckMark}) {
-        EXPECT_EQ(GetPixel(dc, at.x, at.y), dark ? kBlack : light) << at.x << ", " << at.y;
-      }
-      ReleaseDC(window.Window(), dc);
-    });
+    Choose(dark, window_.Window());
+    EXPECT_EQ(styles[window_.Installation().deleteTmpCheckbox.Window()], dark ? L"" : L"the system's own");
+    for (const auto& [x, y] : {background, log, label, besideCheckMark}) {
+      EXPECT_EQ(PixelOf(window_.Window(), x, y), dark ? kBlack : kWhite) << x << ", " << y;
+    }
   }
 }
 
-TEST(Theme, AHundredSwitchesLeaveNoObjectsBehind) {
-  DarkWindows windows;
-  SetupDarkMode();
-  const TestWindow window(CreateProgramWindow);
-  window.Run(ShowInstallPage);
-  if (GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) == 0) GTEST_SKIP() << "this system doesn't count objects";
-  DWORD objects = 0;
-  for (int i = 0; i < 102; ++i) {
-    windows.userWantsDark = !app.darkMode;
-    DarkWindows::TellColorSetChange(window.Window());
-    window.Run([&] { UpdateWindow(window.Window()); });
-    if (i == 1) objects = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);  // both appearances were shown
+TEST_F(DarkMode, DialogsFollowTheUser) {
+  Choose(true, window_.Window());
+  const OpenedDialog dialog(window_, COMMAND_SPEED_LIMIT);
+  for (const bool dark : {true, false}) {
+    if (!dark) Choose(dark, dialog.Window());
+    EXPECT_EQ(styles[dialog.Item(SPEED_EDIT)], dark ? L"" : L"the system's own");
+    EXPECT_EQ(PixelOf(dialog.Window(), 2, 2), dark ? kBlack : GetSysColor(COLOR_BTNFACE));
+    EXPECT_EQ(PixelOf(dialog.Item(SPEED_TRACKBAR), 1, 1), dark ? kBlack : GetSysColor(COLOR_BTNFACE));
+    EXPECT_EQ(PixelOf(dialog.Item(SPEED_EDIT), 20, 5), dark ? kBlack : kWhite);
   }
-  EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), objects);
+}
+
+TEST_F(DarkMode, MenuBarIsDarkToo) {
+  window_.Run([this] {
+    const HDC dc = GetWindowDC(window_.Window());
+    const struct {
+      HMENU menu;
+      HDC dc;
+      DWORD flags;
+    } bar{GetMenu(window_.Window()), dc, 0};
+    SetPixel(dc, 200, 30, kWhite);
+    EXPECT_EQ(SendMessageW(window_.Window(), kDrawMenuBarMessage, 0, reinterpret_cast<LPARAM>(&bar)), TRUE);
+    EXPECT_EQ(GetPixel(dc, 200, 30), kBlack);
+    ReleaseDC(window_.Window(), dc);
+  });
 }
 
 }  // namespace
