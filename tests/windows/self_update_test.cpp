@@ -48,7 +48,9 @@ TEST(SelfUpdate, AWindowClosedMeanwhileWaitsForTheNewProgramAndStaysClosed) {
   realCopyFile = importedCopyFile;
   closingPageShown = false;
   const ReplacedImport copy(importedCopyFile, CloseBeforeCopy);
-  std::thread([] { RunSelfUpdate({.md5 = "9e107d9d372bb6826bd81d3542a419d6"}); }).join();
+  std::thread([] {
+    RunSelfUpdate({.md5 = "9e107d9d372bb6826bd81d3542a419d6", .helpURL = "", .filesize = 0, .urls = {}});
+  }).join();
   EXPECT_TRUE(closingPageShown);
   EXPECT_TRUE(window.WaitUntilClosed());
   EXPECT_EQ(ReadTestFile(app.exePath), kNewProgram);
