@@ -23,6 +23,19 @@ class OpenedDialog {
   HWND Item(int id) const { return GetDlgItem(window_, id); }
   std::wstring Text(int id) const { return TextOf(Item(id)); }
   void Click(int id) const { SendMessageW(Item(id), BM_CLICK, 0, 0); }
+  // The identifier of the control that has the focus.
+  int Focus() const {
+    GUITHREADINFO thread{};
+    thread.cbSize = sizeof thread;
+    GetGUIThreadInfo(GetWindowThreadProcessId(window_, nullptr), &thread);
+    return GetDlgCtrlID(thread.hwndFocus);
+  }
+  // Moves the focus.
+  void PressTab() const {
+    const int before = Focus();
+    PostMessageW(window_, WM_KEYDOWN, VK_TAB, 1);
+    EXPECT_TRUE(WaitFor([&] { return Focus() != before; }));
+  }
   bool WaitUntilClosed() const {
     return WaitFor([this] { return !IsWindow(window_); });
   }

@@ -1,4 +1,6 @@
 // What the dialogs show and do.
+#include <set>
+
 #include "app/localization.h"
 #include "app/settings.h"
 #include "app/update_dialog.h"
@@ -27,6 +29,23 @@ TEST_F(Dialogs, StandInTheMiddleOfTheMainWindowUntilAKeyClosesThem) {
       EXPECT_TRUE(dialog.WaitUntilClosed());
       EXPECT_TRUE(IsWindowEnabled(window_.Window()));
     }
+  }
+}
+
+TEST_F(Dialogs, TabGoesRoundTheirControls) {
+  const std::pair<int, std::set<int>> cases[] = {
+      {COMMAND_ABOUT, {ABOUT_FIRST_LINK, ABOUT_FIRST_LINK + 1, ABOUT_FIRST_LINK + 2, ABOUT_LAST_LINK, IDOK}},
+      {COMMAND_SPEED_LIMIT, {SPEED_TRACKBAR, SPEED_EDIT, IDOK, SPEED_RESET, IDCANCEL}}};
+  for (const auto& [command, controls] : cases) {
+    const OpenedDialog dialog(window_, command);
+    std::set<int> visited;
+    const int first = dialog.Focus();
+    for (size_t i = 0; i < controls.size(); ++i) {
+      visited.insert(dialog.Focus());
+      dialog.PressTab();
+    }
+    EXPECT_EQ(dialog.Focus(), first);
+    EXPECT_EQ(visited, controls);
   }
 }
 
