@@ -44,7 +44,6 @@ TEST(TelemetryReports, ErrorRecords) {
   const std::pair<std::string, std::string> cases[] = {
       {TransferErrorRecord("gta sa", "eu & us", 206, 12002, large),
        "package=gta sa&source=eu & us&code=206&error=12002&size=5000000000"},
-      {ArchiveUnreadableRecord("gtasa", 2), "package=gtasa&type=extract&error=2"},
       {IncompleteExtractionRecord("gtasa", 112, 0, large, large + 1),
        "package=gtasa&type=extract&error=112&written=5000000000&total=5000000001"},
       {IncompleteExtractionRecord("gtasa", 0, -105, 0, 1),
