@@ -44,12 +44,6 @@ TEST(TelemetryReports, ErrorRecords) {
   const std::pair<std::string, std::string> cases[] = {
       {TransferErrorRecord("gta sa", "eu & us", 206, 12002, large),
        "package=gta sa&source=eu & us&code=206&error=12002&size=5000000000"},
-      {NoDataRecord("gtasa", "eu", 404, 17), "package=gtasa&source=eu&code=404&size=17"},
-      {MismatchRecord("gtasa", "eu", 200, large, "", false),
-       "package=gtasa&source=eu&code=200&error=mismatch&size=5000000000&manifest=0"},
-      {MismatchRecord("gtasa", "eu", 200, 9, "900150983cd24fb0", true),
-       "package=gtasa&source=eu&code=200&error=mismatch&size=9&hash=900150983cd24fb0&manifest=1"},
-      {ArchiveUnreadableRecord("gtasa", 2), "package=gtasa&type=extract&error=2"},
       {IncompleteExtractionRecord("gtasa", 112, 0, large, large + 1),
        "package=gtasa&type=extract&error=112&written=5000000000&total=5000000001"},
       {IncompleteExtractionRecord("gtasa", 0, -105, 0, 1),

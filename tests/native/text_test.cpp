@@ -16,8 +16,3 @@ TEST(Text, Utf8RoundTripAndGarbage) {
   EXPECT_EQ(WideToUtf8(Utf8ToWide("a\xF0\x9F\x98\x80\xD0\x96\xE2\x82\xAC")), "a\xF0\x9F\x98\x80\xD0\x96\xE2\x82\xAC");
   EXPECT_EQ(WidenBytes("a\x80\xFF"), (std::wstring{L'a', 0x80, 0xFF}));
 }
-
-TEST(Text, SplitKeepsEmptyPieces) {
-  EXPECT_TRUE(SplitKeepingEmpty("", ',').empty());
-  EXPECT_EQ(SplitKeepingEmpty("a,,b,", ','), (std::vector<std::string>{"a", "", "b", ""}));
-}

@@ -12,8 +12,6 @@
 #include "support/test_window.h"
 #include "system/files.h"
 
-using Lines = std::vector<std::wstring>;
-
 // The package's file, and another one of the same length, with their hashes.
 inline const std::string kFox = "The quick brown fox jumps over the lazy dog";
 inline const std::string kFoxMd5 = "9e107d9d372bb6826bd81d3542a419d6";

@@ -14,12 +14,8 @@ static void CancelAfter81Percent(HashProgress* progress) {
 TEST(FileHash, IsToldWhenTheWholeFileWasRead) {
   const TempFolder folder;
   const std::wstring file = folder / L"file";
-  for (const auto& [count, md5] : {std::pair(0, "d41d8cd98f00b204e9800998ecf8427e"),
-                                   {4096, "21a199c53f422a380e20b162fb6ebe9c"},
-                                   {10'000, "0d0c9c4db6953fee9e03f528cafd7d3e"}}) {
-    WriteTestFile(file, std::string(static_cast<size_t>(count), 'a'));
-    EXPECT_EQ(ComputeFileMd5(file, nullptr), md5);
-  }
+  WriteTestFile(file, std::string(10'000, 'a'));
+  EXPECT_EQ(ComputeFileMd5(file, nullptr), "0d0c9c4db6953fee9e03f528cafd7d3e");
   EXPECT_EQ(ComputeFileMd5(file, CancelAfter81Percent), "");
   EXPECT_EQ(percentages, "0 40 81 ");
   const FileHandle writer(

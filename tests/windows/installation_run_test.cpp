@@ -74,6 +74,7 @@ TEST_F(InstallationRunTest, ReportsTellWhatWentWrong) {
 
 TEST_F(InstallationRunTest, TheFirstMismatchRefreshesTheManifestLaterOnesTryTheNextSource) {
   const std::string second = "<sources><source key='second' url='http://zendora.example/2'/></sources>";
+  const BoxRecorder none({});
   server_.AnswerNext("/fox", Serving(kOther));
   server_.AnswerNext("/fox", Serving(kOther.substr(0, 20)));
   server_.Answer("/2", Serving(kOther));

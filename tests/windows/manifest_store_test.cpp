@@ -6,22 +6,18 @@
 #include "manifest/manifest_retrieval.h"
 #include "support/install_scenario.h"
 
-static int updatesRun;
+using ManifestStore = InstallScenario;
+
+static const std::string kPackage = "<packages><package><title>\xD0\x96&lt;</title></package></packages>";
 
 static int Fetch(const std::string& content, bool suppressSelfUpdate = false) {
   manifestBuffer = "\xEF\xBB\xBF<downloader>" + content + "</downloader>";
   return LoadManifest(suppressSelfUpdate);
 }
 
-static const std::string kPackage = "<packages><package><title>\xD0\x96&lt;</title></package></packages>";
-static const std::string kUpdater = "<updater md5='m'/>";
-
-using ManifestStore = InstallScenario;
-
 TEST_F(ManifestStore, WhatWasFetchedIsCachedWithoutItsUpdater) {
-  app.upward.runSelfUpdate = [](const UpdaterInfo&) { ++updatesRun; };
-  EXPECT_EQ(Fetch(kUpdater + kPackage, true), 1);
-  EXPECT_EQ(updatesRun, 0) << "it was suppressed";
+  app.upward.runSelfUpdate = [](const UpdaterInfo&) { FAIL() << "it was to be suppressed"; };
+  EXPECT_EQ(Fetch("<updater md5='m'/>" + kPackage, true), 1);
   const auto before = CurrentManifest();
   const std::string cache = ReadTestFile(app.manifestPath);
   EXPECT_EQ(cache.find("updater"), std::string::npos);
@@ -31,8 +27,6 @@ TEST_F(ManifestStore, WhatWasFetchedIsCachedWithoutItsUpdater) {
   manifestBuffer.clear();
   EXPECT_EQ(LoadManifest(false), 1);
   EXPECT_EQ(CurrentManifest()->packages.at("").title, L"\u0416<");
-  Fetch(kUpdater);
-  EXPECT_EQ(updatesRun, 1);
 }
 
 TEST_F(ManifestStore, ACacheOfTheLastHourSparesTheNetwork) {
@@ -46,8 +40,7 @@ TEST_F(ManifestStore, ACacheOfTheLastHourSparesTheNetwork) {
   }
 }
 
-TEST_F(ManifestStore, UrlTellsTheRepositoryOnlyWhatApplies) {
-  EXPECT_EQ(BuildManifestUrl(), RepositoryAddress() + L"?l=9");
+TEST_F(ManifestStore, UrlTellsTheRepositoryWhatApplies) {
   app.uuid = "0aB";
   app.darkMode = true;
   app.startupWaitMs = 4294967295u;
