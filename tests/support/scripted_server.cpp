@@ -96,8 +96,7 @@ Response BuildResponse(const RecordedRequest& request, const ScriptedAnswer& ans
   }
   response.head = "HTTP/1.1 " + std::to_string(status) + " Scripted\r\nConnection: close\r\n" + range_header;
   if (answer.announceLength) {
-    const uint64_t length = answer.announcedLength.value_or(response.body.size());
-    response.head += "Content-Length: " + std::to_string(length) + "\r\n";
+    response.head += "Content-Length: " + std::to_string(response.body.size()) + "\r\n";
   }
   for (const auto& [name, value] : answer.headers) response.head += name + ": " + value + "\r\n";
   response.head += "\r\n";
@@ -128,7 +127,6 @@ struct ScriptedServer::State {
   ScriptedAnswer Record(const RecordedRequest& request);
   bool SendBody(SOCKET connection, std::string_view body, const ScriptedAnswer& answer);
   bool Stall();
-  bool Pause(uint32_t milliseconds);
 };
 
 void ScriptedServer::State::Accept() {
@@ -216,32 +214,18 @@ ScriptedAnswer ScriptedServer::State::Record(const RecordedRequest& request) {
 
 bool ScriptedServer::State::SendBody(SOCKET connection, std::string_view body, const ScriptedAnswer& answer) {
   const size_t end = std::min(body.size(), answer.closeAfter.value_or(body.size()));
-  const size_t stall = answer.stallAfter.value_or(body.size() + 1);
-  // Without a pause between chunks everything up to the next event goes in one piece.
-  const size_t step = answer.delayPerChunkMs == 0 ? body.size() : kChunk;
-  for (size_t sent = 0;;) {
-    if (sent == stall && !Stall()) return false;
-    if (sent >= end) return true;
-    size_t piece = std::min(step, end - sent);
-    if (sent < stall) piece = std::min(piece, stall - sent);
-    if (!Send(connection, body.substr(sent, piece))) return false;
-    sent += piece;
-    if (answer.delayPerChunkMs != 0 && !Pause(answer.delayPerChunkMs)) return false;
-  }
+  if (!answer.stallAfter) return Send(connection, body.substr(0, end));
+  return Send(connection, body.substr(0, *answer.stallAfter)) && Stall() &&
+         Send(connection, body.substr(*answer.stallAfter, end - *answer.stallAfter));
 }
 
-// Both return false when the server stops.
+// False when the server stops.
 bool ScriptedServer::State::Stall() {
   std::unique_lock lock(mutex);
   ++stalled;
   changed.notify_all();
   changed.wait(lock, [this, before = resumes] { return resumes != before || stopping.load(); });
   return !stopping;
-}
-
-bool ScriptedServer::State::Pause(uint32_t milliseconds) {
-  std::unique_lock lock(mutex);
-  return !changed.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return stopping.load(); });
 }
 
 ScriptedServer::ScriptedServer() {

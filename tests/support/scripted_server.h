@@ -13,13 +13,11 @@ struct ScriptedAnswer {
   int status = 200;
   std::vector<std::pair<std::string, std::string>> headers = {};  // besides Content-Length and Connection
   std::string body = {};
-  bool honourRange = true;                  // answer 206 with the rest of the body to a range request that it covers
-  bool announceLength = true;               // send Content-Length
-  std::optional<uint64_t> announcedLength = {};  // instead of the real one
-  std::optional<size_t> closeAfter = {};         // close the connection after so many body bytes
-  bool closeWithoutAnswer = false;          // close it before the first byte
-  std::optional<size_t> stallAfter = {};         // wait for Resume() after so many body bytes
-  uint32_t delayPerChunkMs = 0;             // pause after every 4096 body bytes
+  bool honourRange = true;                // answer 206 with the rest of the body to a range request that it covers
+  bool announceLength = true;             // send Content-Length
+  std::optional<size_t> closeAfter = {};  // close the connection after so many body bytes
+  bool closeWithoutAnswer = false;        // close it before the first byte
+  std::optional<size_t> stallAfter = {};  // wait for Resume() after so many body bytes
 };
 
 struct RecordedRequest {
