@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# Prints how much of the code is tests.
+# Prints how much of the code is tests. Blank lines and comments don't count.
 source "$(dirname "$0")/common.sh"
 cd "$root"
 
 lines_of() {
-  find "$@" \( -name '*.cpp' -o -name '*.h' \) -print0 | xargs -0 cat | grep -c '[^[:space:]]'
+  find "$@" -type f ! -name '*.ico' -print0 | xargs -0 grep -vhcE '^[[:space:]]*($|//|#([ !]|$))' |
+    awk '{ sum += $1 } END { print sum }'
 }
 
-program=$(lines_of src)
-tests=$(lines_of tests)
-printf 'lines: %s in src, %s in tests (%s %% of both)\n' "$program" "$tests" $((tests * 100 / (program + tests)))
+program=$(lines_of src res) tools=$(lines_of tools run test) tests=$(lines_of tests)
+printf 'lines: %s in the program, %s in tools, %s in tests (%s %% of all)\n' \
+  "$program" "$tools" "$tests" $((tests * 100 / (program + tools + tests)))
