@@ -88,14 +88,14 @@ struct AppContext {
   // Closing the window waits while it is set. Written by the worker, and by the self-update while it replaces the
   // program; read by the UI thread.
   SharedWord<bool> installRunning;
-  SharedWord<uint32_t> closeAttempts;      // written by the UI thread; read by the worker
+  SharedWord<uint32_t> closeAttempts;      // written by the UI thread; read by the worker and the self-update
   SharedWord<int> closeReason{NotEnding};  // a CloseReason; likewise
   // A relaunch that the main window performs when it is destroyed. Written by the UI thread, or by the manifest
   // thread right before it posts WM_CLOSE.
   SharedWord<bool> restartRequested, restartElevated;
   SharedWord<bool> restartDropsCommandLine;  // the new process gets restartArgs only
   std::wstring restartArgs;
-  SharedWord<bool> updateInProgress;   // set by LoadManifest, never cleared; read by the UI thread
+  SharedWord<bool> updateInProgress;   // set by LoadManifest, never cleared; read by the UI and manifest threads
   SharedWord<bool> selectionFromUser;  // installList came from the checked rows; UI thread, read by the worker
   // Size of the primary screen in pixels, measured when the main window is created.
   int desktopWidth = 0, desktopHeight = 0;

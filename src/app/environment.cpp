@@ -66,6 +66,13 @@ bool CanWriteMachineSoftware(REGSAM view) {
   return RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE", 0, KEY_WRITE | view, key.Receive()) == ERROR_SUCCESS;
 }
 
+std::wstring BuildUserAgent() {
+  const wchar_t* const bits = app.isWow64 ? L"64" : L"32";
+  return std::wstring(kProductTitle) + L"/" + WidenBytes(kProductVersion) + L" (Windows NT " +
+         std::to_wstring(app.osMajor) + L"." + std::to_wstring(app.osMinor) + L"; Win" + bits + L"; x" + bits +
+         L"; Build/" + std::to_wstring(app.osBuild) + L")";
+}
+
 }  // namespace
 
 void ProbeAdministrator() { app.isAdmin = CanWriteMachineSoftware(KEY_WOW64_32KEY) || CanWriteMachineSoftware(0); }
@@ -86,11 +93,5 @@ void ProbeEnvironment() {
   ProbePaths();
   app.isWow64 = IsWow64();
   ProbeSystemVersion();
-  app.userAgent = BuildUserAgent(app.osMajor, app.osMinor, app.osBuild, app.isWow64);
-}
-
-std::wstring BuildUserAgent(uint32_t major, uint32_t minor, uint32_t build, bool is64Bit) {
-  const wchar_t* const bits = is64Bit ? L"64" : L"32";
-  return std::wstring(kProductTitle) + L"/" + WidenBytes(kProductVersion) + L" (Windows NT " + std::to_wstring(major) +
-         L"." + std::to_wstring(minor) + L"; Win" + bits + L"; x" + bits + L"; Build/" + std::to_wstring(build) + L")";
+  app.userAgent = BuildUserAgent();
 }

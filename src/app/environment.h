@@ -1,9 +1,6 @@
 // What start-up finds out about this process and this system, into `app`.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 // app.isAdmin: HKEY_LOCAL_MACHINE\SOFTWARE can be opened for writing.
 void ProbeAdministrator();
 
@@ -13,6 +10,3 @@ void ProbeEnvironment();
 
 // The system's version alone, unless it is known already: app.osMajor, osMinor and osBuild.
 void ProbeSystemVersion();
-
-// The HTTP user agent for the given system.
-std::wstring BuildUserAgent(uint32_t major, uint32_t minor, uint32_t build, bool is64Bit);

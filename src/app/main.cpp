@@ -39,14 +39,6 @@ void SetUpwardCalls() {
   app.upward.runSelfUpdate = RunSelfUpdate;
 }
 
-// Looking for a default folder on the drives would raise a system box for a card reader without a card. The mode is not
-// kept, because programs that this one starts inherit it and would hide their own troubles.
-void LoadSettingsQuietly() {
-  const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS);
-  LoadSettings();
-  SetErrorMode(mode);
-}
-
 int RunMessageLoop() {
   const HACCEL accelerators = LoadAcceleratorsW(app.instance, MAKEINTRESOURCEW(ACCELERATORS_MAIN));
   MSG message = {};
@@ -66,7 +58,7 @@ int RunProgram(HINSTANCE instance, const std::wstring& commandLine, int showComm
   SetApplicationId();
   ProbeEnvironment();
   if (!commandLine.empty()) ParseCommandLine(commandLine);
-  LoadSettingsQuietly();
+  LoadSettings();
   RestoreReplacedProgram();
   SetThreadLanguage(app.uiLanguage);
   SetupDarkMode();
@@ -78,6 +70,8 @@ int RunProgram(HINSTANCE instance, const std::wstring& commandLine, int showComm
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, wchar_t* commandLine, int showCommand) {
+  // Looking at the drives would otherwise raise a system box for a card reader without a card.
+  SetErrorMode(SEM_FAILCRITICALERRORS);
   SearchLibrariesInSystemFolderOnly();
   const int exitCode = RunProgram(instance, commandLine, showCommand);
   // The manifest thread and the worker may still run, and are not waited for. To return would destroy static objects

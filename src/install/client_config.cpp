@@ -53,9 +53,11 @@ void ReplaceFileText(const std::wstring& path, const std::string& bytes) {
   if (!MayBeWritten(path)) return;
   const std::wstring newPath = path + L".new";
   if (WriteNewFile(newPath, bytes) && ReplaceFileW(path.c_str(), newPath.c_str(), nullptr, 0, nullptr, nullptr)) return;
-  // One of its failures has removed the old file already; the new one is then all there is.
-  if (!PathExists(path) && MoveFileW(newPath.c_str(), path.c_str())) return;
-  DeleteFileW(newPath.c_str());
+  if (PathExists(path)) {
+    DeleteFileW(newPath.c_str());
+  } else {  // one failure has removed the old file already, and the new one is all there is
+    MoveFileW(newPath.c_str(), path.c_str());
+  }
 }
 
 }  // namespace

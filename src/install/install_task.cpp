@@ -15,6 +15,7 @@
 #include "system/files.h"
 #include "system/handles.h"
 #include "system/path_names.h"
+#include "system/process.h"
 #include "system/text.h"
 
 namespace {
@@ -44,6 +45,7 @@ DWORD Start(InstallerCommand command, KernelHandle& process) {
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION info;
+  const DefaultErrorMode errorMode;
   // The system may write into the command line.
   if (!CreateProcessW(command.program.c_str(), command.arguments.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                       &startup, &info)) {
@@ -71,7 +73,7 @@ void WaitForEnd(HANDLE process) {
 // By its full path: of a bare name the shell looks into the current folder first, and this program runs elevated.
 std::wstring ExplorerPath() {
   wchar_t folder[MAX_PATH] = {};
-  GetWindowsDirectoryW(folder, MAX_PATH);
+  GetSystemWindowsDirectoryW(folder, MAX_PATH);
   return JoinPath(folder, L"explorer.exe");
 }
 

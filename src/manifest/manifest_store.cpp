@@ -101,10 +101,12 @@ bool SaveManifestCache() {
   // Who looks at the old file meanwhile, a scanner for instance, may forbid to replace it but not to write to it.
   const bool saved = written && (MoveFileExW(newPath.c_str(), app.manifestPath.c_str(), MOVEFILE_REPLACE_EXISTING) ||
                                  CopyFileW(newPath.c_str(), app.manifestPath.c_str(), FALSE));
+  // On a full disk there is nothing to repair.
+  const bool diskIsFull = !written || (!saved && GetLastError() == ERROR_DISK_FULL);
   DeleteFileW(newPath.c_str());
-  // On a full disk there is nothing to repair; but the old cache is outdated and must not be taken for this one.
-  if (!written) DeleteFileW(app.manifestPath.c_str());
-  return saved || !written;
+  // What was there is outdated and must not be taken for this one, nor must half of this one.
+  if (!saved) DeleteFileW(app.manifestPath.c_str());
+  return saved || diskIsFull;
 }
 
 bool ManifestCacheSaveFailed() { return cacheSaveFailed; }

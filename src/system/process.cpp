@@ -43,6 +43,7 @@ void TellStartFailed(uint32_t error, bool elevated, const std::wstring& file) {
 
 bool RunProcess(bool elevated, bool reportFailure, const std::wstring& file, const std::wstring& parameters) {
   const ComSession session;  // the shell may hand the start on to an extension
+  const DefaultErrorMode errorMode;
   const HINSTANCE result =
       ShellExecuteW(nullptr, elevated ? L"runas" : L"open", file.c_str(), parameters.c_str(), nullptr, SW_SHOWNORMAL);
   DWORD error = GetLastError();

@@ -1,7 +1,22 @@
 // Starting other programs, opening web addresses, and repairing the permissions of the application-data folders.
 #pragma once
 
+#include <windows.h>
+
 #include <string>
+
+// Programs inherit the error mode of the one that starts them, and with ours would hide that a library of theirs is
+// missing. While this lives, they get the system's.
+class DefaultErrorMode {
+ public:
+  DefaultErrorMode() : own_(SetErrorMode(0)) {}
+  ~DefaultErrorMode() { SetErrorMode(own_); }
+  DefaultErrorMode(const DefaultErrorMode&) = delete;
+  DefaultErrorMode& operator=(const DefaultErrorMode&) = delete;
+
+ private:
+  const UINT own_;
+};
 
 // Starts a program without waiting for it, elevated through the consent prompt or normally. True when it was started;
 // otherwise, with `reportFailure`, a message box without owner has told why.

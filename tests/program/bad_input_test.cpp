@@ -16,11 +16,11 @@ class BadInput : public InstallerTest {
   void StartAnew(const TestPackage& package) {
     server_.reset();
     StartServer();
-    for (const std::wstring& file : FilesBelow(downloads_.Path())) {
-      SetFileAttributesW(TempPath(file).c_str(), FILE_ATTRIBUTE_NORMAL);
-      DeleteFileW(TempPath(file).c_str());
-    }
+    Empty(downloads_.Path());
     Offer({package});
+  }
+  static void Empty(const std::filesystem::path& folder) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) std::filesystem::remove_all(entry);
   }
   // Relative to the folder.
   static std::vector<std::wstring> FilesBelow(const std::wstring& folder) {
@@ -33,9 +33,13 @@ class BadInput : public InstallerTest {
 
   // The list stays empty and nothing is kept; the program closes as ever.
   void ExpectNoList() {
-    EXPECT_EQ(RowCount(ComponentList(Window())), 3) << "while it loads";
-    EXPECT_FALSE(IsWindowEnabled(BottomButton(Window())));
-    EXPECT_FALSE(FindBox(Process().Id()).window);
+    EXPECT_FALSE(WaitUntil(
+        [this] {
+          return RowCount(ComponentList(Window())) != 3 || IsWindowEnabled(BottomButton(Window())) ||
+                 FindBox(Process().Id()).window;
+        },
+        std::chrono::seconds(1)))
+        << "it shows something else than that it loads";
     CloseAndExpectExit();
     EXPECT_FALSE(PathExists(TempPath(L"manifest.xml")));
   }
@@ -174,6 +178,7 @@ TEST_F(BadInput, DisksThatCantTakeThePackage) {
     Start(L"install:a.dat source:main");
     AnswerBox(ExpectBox(test.message), IDNO);
     CloseAndExpectExit();
+    Empty(L"C:\\full");
   }
 }
 

@@ -1,4 +1,5 @@
-// What the whole-program tests share: a site with packages, folders and settings of the test's own, and the program.
+// What the whole-program tests share: a site with packages, folders of the test's own, and the program. They replace
+// the user's settings and data of the program, and so belong into a profile that nobody uses.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -6,14 +7,13 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "program/installer_process.h"
-#include "window/installer_window.h"
 #include "support/scripted_server.h"
 #include "support/temp_folder.h"
 #include "support/zip_builder.h"
+#include "window/installer_window.h"
 
 inline constexpr char kZipType[] = "application/x-zip-compressed";
 
@@ -21,11 +21,10 @@ inline constexpr char kZipType[] = "application/x-zip-compressed";
 struct TestPackage {
   std::string filename;
   std::string content;  // the file itself
-  std::string title = "", name = "", filetype = "", password = "", verify = "", tasks = "";
-  std::optional<uint64_t> size = {}, upsize = {};  // those of the content, unless given
-  std::optional<std::string> md5 = {};             // likewise; empty for none
+  std::string title = "", name = "", filetype = "", password = "", verify = "";
+  std::optional<uint64_t> upsize = {};  // that of the content, unless given
+  std::optional<std::string> md5 = {};  // likewise
   bool isDefault = true;
-  std::vector<std::pair<std::string, std::string>> sources = {};  // key and address; by default "main", its file below
 };
 
 // 32 lower-case hexadecimal characters.
@@ -62,7 +61,7 @@ class InstallerTest : public testing::Test {
   // Each waits, and fails the test when what it waits for doesn't happen.
   void ExpectPage(Page page);
   void ExpectLog(const std::wstring& line);
-  void ExpectEnd(const std::wstring& lastLine = L"Installation finished");
+  void ExpectEnd();
   // A box or dialog whose text has this part.
   InstallerBox ExpectBox(const std::wstring& part = L"", std::chrono::milliseconds limit = std::chrono::seconds(20));
   void ExpectExit();

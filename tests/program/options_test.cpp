@@ -4,6 +4,7 @@
 #include "program/installer_test.h"
 #include "resource.h"
 #include "system/files.h"
+#include "system/folder_removal.h"
 
 namespace {
 
@@ -48,6 +49,9 @@ TEST_F(Options, DeletedApplicationDataIsGone) {
   AwaitList();
   EXPECT_TRUE(PathExists(dataFolder + L"\\manifest.xml"));
   EXPECT_EQ(SettingsCount(), 1u);
+  Close();
+  ExpectExit();
+  RemoveFolder(dataFolder);
 }
 
 }  // namespace

@@ -35,6 +35,9 @@ TEST_F(Installation, InstallsWhatIsChecked) {
   EXPECT_EQ(GetFileAttributesW(TargetPath(L"Unwanted").c_str()), INVALID_FILE_ATTRIBUTES);
   EXPECT_TRUE(server_->RequestsOf("/packages/unwanted.dat").empty());
   EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "install_finish"}));
+  for (const RecordedRequest& request : server_->Requests()) {
+    EXPECT_TRUE(request.headers.at("user-agent").starts_with("Zendora Installer/4.0.8 (Windows NT ")) << request.raw;
+  }
 
   Press(BottomButton(Window()));
   ExpectExit();

@@ -16,14 +16,24 @@ constexpr char kMissing[] = "http://zendora.example/missing.exe", kHelpPage[] = 
 constexpr char kNobodyListens[] = "http://127.0.0.2/";
 constexpr size_t kStall = 400 * 1024;
 
-// Ends what a killed or failed program has left running.
-void KillProgramsOfThisTest() {
+// Ends one program of this test; false when none runs.
+bool KillProgramOfThisTest() {
   const FileHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
   PROCESSENTRY32W entry{};
   entry.dwSize = sizeof entry;
   for (BOOL found = Process32FirstW(snapshot.Get(), &entry); found; found = Process32NextW(snapshot.Get(), &entry)) {
-    if (std::wstring(entry.szExeFile).starts_with(kProgramName)) InstallerProcess(entry.th32ProcessID).Kill();
+    if (!std::wstring(entry.szExeFile).starts_with(kProgramName)) continue;
+    const KernelHandle process(OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, entry.th32ProcessID));
+    TerminateProcess(process.Get(), 77);
+    WaitForSingleObject(process.Get(), 10'000);
+    return true;
   }
+  return false;
+}
+
+// One may start another while it is being ended.
+void KillProgramsOfThisTest() {
+  EXPECT_TRUE(WaitUntil([] { return !KillProgramOfThisTest(); }));
 }
 
 class SelfUpdate : public InstallerTest {
@@ -110,7 +120,7 @@ class SelfUpdate : public InstallerTest {
 };
 
 TEST_F(SelfUpdate, ReplacesItselfAndStartsAnew) {
-  StartAndStall(L"source:other");
+  StartAndStall(L"install:a.dat source:main");
   const HWND dialog = ExpectBox().window;
   EXPECT_EQ(ShownText(GetDlgItem(dialog, UPDATE_STATUS)), L"Downloading update");
   EXPECT_EQ(ShownText(GetDlgItem(dialog, UPDATE_TOTAL)), FormatByteSize(static_cast<int64_t>(new_.size())));
@@ -120,7 +130,7 @@ TEST_F(SelfUpdate, ReplacesItselfAndStartsAnew) {
   EXPECT_EQ(ShownText(Window()), L"Zendora Installer") << "the main window doesn't answer";
   EXPECT_FALSE(IsWindowEnabled(Window()));
   server_->Resume();
-  ExpectReplaced();
+  ExpectReplaced();  // with its list: the new program does not install what the old one was started for
   EXPECT_TRUE(IsWindowEnabled(Window()));
   EXPECT_EQ(server_->RequestsOf("/new.exe").size(), 1u);
 }

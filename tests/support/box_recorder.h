@@ -14,9 +14,8 @@
 extern "C" decltype(&MessageBoxW) importedMessageBox __asm__("__imp__MessageBoxW@16");
 
 struct RecordedBox {
-  std::wstring caption, text;
+  std::wstring text;
   std::vector<int> buttons;  // their identifiers: IDOK, or IDYES and IDNO
-  HWND owner = nullptr;
 };
 
 class BoxRecorder {
@@ -30,10 +29,10 @@ class BoxRecorder {
   const std::vector<RecordedBox>& Boxes() const { return boxes_; }
 
  private:
-  static int WINAPI Answer(HWND owner, const wchar_t* text, const wchar_t* caption, UINT type) {
+  static int WINAPI Answer(HWND, const wchar_t* text, const wchar_t*, UINT type) {
     const bool isQuestion = (type & MB_TYPEMASK) == MB_YESNO;
     const std::vector<int> buttons = isQuestion ? std::vector<int>{IDYES, IDNO} : std::vector<int>{IDOK};
-    current_->boxes_.push_back({caption, text, buttons, owner});
+    current_->boxes_.push_back({text, buttons});
     std::deque<int>& answers = current_->answers_;
     EXPECT_FALSE(answers.empty()) << "unexpected message box: " << testing::PrintToString(text);
     if (answers.empty()) return buttons.back();

@@ -11,8 +11,6 @@ class Exchanged {
   Exchanged(const Exchanged&) = delete;
   Exchanged& operator=(const Exchanged&) = delete;
 
-  T Original() const { return original_; }
-
  private:
   T& place_;
   T original_;

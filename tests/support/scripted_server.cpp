@@ -261,7 +261,7 @@ void ScriptedServer::StopListening() {
   state_->listening = false;
   const sockaddr_in address = LoopbackAddress(80);
   const Socket waker(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
-  // Ends the acceptor's wait; where that fails, nobody waits.
+  // Ends the acceptor's wait, for which the network must be there.
   (void)connect(waker.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
   state_->acceptor.join();
   state_->listener.Reset();

@@ -14,7 +14,7 @@ extern "C" decltype(&ShellExecuteW) importedShellExecute __asm__("__imp__ShellEx
 extern "C" decltype(&ShellExecuteExW) importedShellExecuteEx __asm__("__imp__ShellExecuteExW@4");
 
 struct ShellStart {
-  std::wstring verb, file, parameters;  // empty where none was given
+  std::wstring verb, parameters;  // empty where none was given
 };
 
 class ShellRecorder {
@@ -27,10 +27,10 @@ class ShellRecorder {
   const std::vector<ShellStart>& Starts() const { return starts_; }
 
  private:
-  static HINSTANCE WINAPI Start(HWND, const wchar_t* verb, const wchar_t* file, const wchar_t* parameters,
-                                const wchar_t*, int) {
+  static HINSTANCE WINAPI Start(HWND, const wchar_t* verb, const wchar_t*, const wchar_t* parameters, const wchar_t*,
+                                int) {
     const auto given = [](const wchar_t* text) { return std::wstring(text ? text : L""); };
-    current_->starts_.push_back({given(verb), given(file), given(parameters)});
+    current_->starts_.push_back({given(verb), given(parameters)});
     SetLastError(current_->error_);
     return reinterpret_cast<HINSTANCE>(INT_PTR{current_->error_ == ERROR_SUCCESS ? 33 : SE_ERR_ACCESSDENIED});
   }

@@ -18,8 +18,8 @@ void Renew(State& state) {
   std::construct_at(&state);
 }
 
-// Every test begins with the state that start-up would have settled, whatever the one before it left: English texts,
-// and an empty settings key of the tests' own.
+// Every test begins with the shared state that start-up would have settled, whatever the one before it left: English
+// texts, and an empty settings key of the tests' own.
 class FreshState : public testing::EmptyTestEventListener {
   void OnTestStart(const testing::TestInfo&) override {
     Renew(app);

@@ -24,9 +24,6 @@ inline std::wstring TextOf(HWND window) {
 }
 inline std::wstring TextOf(const Control& control) { return TextOf(control.Window()); }
 
-// The position of a progress bar.
-inline int PositionOf(const ProgressBar& bar) { return static_cast<int>(SendMessageW(bar.Window(), PBM_GETPOS, 0, 0)); }
-
 // The calling thread. In app.manifestThread it keeps the program from starting that thread.
 inline KernelHandle ActiveThread() {
   return KernelHandle(OpenThread(SYNCHRONIZE | THREAD_QUERY_LIMITED_INFORMATION, FALSE, GetCurrentThreadId()));

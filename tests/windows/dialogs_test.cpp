@@ -99,6 +99,7 @@ TEST_F(Dialogs, ResetOnlyEmptiesTheSpeedDialog) {
   EXPECT_EQ(SliderOf(dialog), 0);
   DragSlider(dialog, 50);
   EXPECT_EQ(dialog.Text(SPEED_EDIT), L"5000") << "the scale is that of the limit in effect";
+  SendMessageW(dialog.Window(), WM_HSCROLL, TB_ENDTRACK, 0);
   EXPECT_EQ(app.maxDownloadSpeedKB, 2500u);
   LoadSettings();
   EXPECT_EQ(app.maxDownloadSpeedKB, 2500u) << "nothing was saved";
@@ -111,7 +112,8 @@ TEST_F(Dialogs, UpdateShowsProgress) {
     uint64_t totalAfter;
     int percent;
   } cases[] = {
-      {3000, {.total = 5000}, 5000, 0},                                            // the larger size counts
+      {3000, {.total = 5000}, 5000, 0},  // the larger size counts
+      {5000, {.total = 3000}, 5000, 0},
       {5000, {.transferStartTick = 1, .total = 300, .downloaded = 299}, 300, 99},  // the manifest no longer counts
       {0, {.transferStartTick = 1, .total = 10, .downloaded = 4000}, 10, 100},
       {0, {.transferStartTick = 1, .downloaded = 4000}, 0, 0},

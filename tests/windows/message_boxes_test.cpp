@@ -42,6 +42,12 @@ TEST(MessageBoxes, DeniedTempFolderCanBeRepaired) {
   }
 }
 
+TEST(RepairPermissions, GrantsFoldersToUserAndUsersGroup) {
+  EXPECT_EQ(BuildRepairParameters(L"C:\\Data", L"Ann"),
+            L"/c icacls \"C:\\Data\" /grant:r Ann:(F) & icacls \"C:\\Data\\Zendora\" /grant:r "
+            L"*S-1-5-32-545:(OI)(CI)(F) /T /grant:r Ann:(OI)(CI)(F) /T");
+}
+
 // A person who refused the consent prompt must not get the program without elevation instead.
 TEST(RunProcess, RefusedElevationIsTold) {
   const ShellRecorder shell(ERROR_CANCELLED);

@@ -39,6 +39,18 @@ TEST(Settings, OnlyAValidUuidTakesThePlaceOfTheMachines) {
   }
 }
 
+TEST(Settings, SavedChoicesComeBack) {
+  app.uiLanguage = LANG_TURKISH;
+  app.deleteTmpFiles = true;
+  SaveLanguage();
+  SaveDeleteTmpFiles();
+  app.uiLanguage = LANG_ENGLISH;
+  app.deleteTmpFiles = false;
+  LoadSettings();
+  EXPECT_EQ(app.uiLanguage, uint32_t{LANG_TURKISH});
+  EXPECT_TRUE(app.deleteTmpFiles);
+}
+
 TEST(ReplacedProgram, TakesItsPlaceAgainWhenItIsStarted) {
   const struct {
     const wchar_t* started;

@@ -25,11 +25,11 @@
 #include "net/file_hash.h"
 #include "net/http_client.h"
 #include "net/http_request.h"
-#include "window/installer_window.h"
 #include "system/files.h"
 #include "system/handles.h"
 #include "system/path_names.h"
 #include "system/text.h"
+#include "window/installer_window.h"
 
 #include <iowin32.h>  // after unzip.h, whose types it uses
 
