@@ -180,10 +180,7 @@ TEST_F(SelfUpdate, GoesOnWhenTheNetworkIsBack) {
   server_->StopListening();
   server_->Resume();
   Sleep(3000);
-  server_.reset();
-  StartServer();
-  Offer({package_});
-  server_->Answer("/new.exe", {.body = new_});
+  server_->ListenAgain();
   ExpectReplaced();
 }
 

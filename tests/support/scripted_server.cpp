@@ -106,8 +106,8 @@ Response BuildResponse(const RecordedRequest& request, const ScriptedAnswer& ans
 }  // namespace
 
 struct ScriptedServer::State {
-  Socket listener = Listen();
-  std::atomic<bool> listening = true, stopping = false;
+  Socket listener;
+  std::atomic<bool> listening = false, stopping = false;
   std::thread acceptor;
   std::vector<std::thread> connections;  // of the acceptor, until it has ended
 
@@ -232,7 +232,7 @@ ScriptedServer::ScriptedServer() {
   WSADATA data;
   WSAStartup(MAKEWORD(2, 2), &data);
   state_ = new State;
-  state_->acceptor = std::thread([this] { state_->Accept(); });
+  ListenAgain();
 }
 
 ScriptedServer::~ScriptedServer() {
@@ -265,6 +265,12 @@ void ScriptedServer::StopListening() {
   (void)connect(waker.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
   state_->acceptor.join();
   state_->listener.Reset();
+}
+
+void ScriptedServer::ListenAgain() {
+  state_->listener = Listen();
+  state_->listening = true;
+  state_->acceptor = std::thread([this] { state_->Accept(); });
 }
 
 void ScriptedServer::Resume() {

@@ -39,8 +39,10 @@ class ScriptedServer {
   // What its next requests are answered, in order, before `Answer` applies.
   void AnswerNext(const std::string& path, ScriptedAnswer answer);
 
-  // From now on new connections are refused, as those to a machine that is gone; the existing ones go on.
+  // From now on new connections are refused, as those to a machine that is gone, until ListenAgain; the existing ones
+  // go on.
   void StopListening();
+  void ListenAgain();
 
   // Lets every stalled answer go on.
   void Resume();
