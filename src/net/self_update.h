@@ -1,8 +1,6 @@
 // Replacing this program by the one that the manifest announces.
 #pragma once
 
-#include <windows.h>
-
 #include "manifest/manifest_model.h"
 
 // Downloads the announced program, checks it, puts it into the place of this one and asks the main window to close

@@ -40,29 +40,31 @@ void RemoveEntry(const std::wstring& path, DWORD attributes) {
 }
 
 // A drive's root, a share's, or a folder that another volume is mounted on.
-bool IsVolumeRoot(const std::wstring& path) {
-  wchar_t full[MAX_PATH], volume[MAX_PATH];
-  const DWORD length = GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
-  if (length == 0 || length >= MAX_PATH || !GetVolumePathNameW(full, volume, MAX_PATH)) return true;
-  PathAddBackslashW(full);
-  PathAddBackslashW(volume);
-  return lstrcmpiW(full, volume) == 0;
+bool IsVolumeRoot(const std::wstring& fullPath) {
+  wchar_t volume[MAX_PATH];
+  if (!GetVolumePathNameW(fullPath.c_str(), volume, MAX_PATH)) return true;
+  return lstrcmpiW(JoinPath(fullPath, L"").c_str(), JoinPath(volume, L"").c_str()) == 0;
 }
 
-// The path in the form that has no limit of length, because what lies below it may be deeper than MAX_PATH.
-std::wstring UnlimitedForm(const std::wstring& path) {
+// Without "." and ".."; empty when it is too long.
+std::wstring FullPath(const std::wstring& path) {
   wchar_t full[MAX_PATH];
   const DWORD length = GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
-  if (length == 0 || length >= MAX_PATH) return path;
-  const std::wstring absolute(full);
-  return absolute.starts_with(L"\\\\") ? L"\\\\?\\UNC" + absolute.substr(1) : L"\\\\?\\" + absolute;
+  return length < MAX_PATH ? std::wstring(full, length) : std::wstring();
+}
+
+// The form that has no limit of length, because what lies below the path may be deeper than MAX_PATH.
+std::wstring UnlimitedForm(const std::wstring& fullPath) {
+  return fullPath.starts_with(L"\\\\") ? L"\\\\?\\UNC" + fullPath.substr(1) : L"\\\\?\\" + fullPath;
 }
 
 }  // namespace
 
 void RemoveFolder(const std::wstring& path) {
-  if (path.empty() || PathIsRelativeW(path.c_str()) || IsVolumeRoot(path)) return;
-  const DWORD attributes = GetFileAttributesW(path.c_str());
+  if (path.empty() || PathIsRelativeW(path.c_str())) return;
+  const std::wstring fullPath = FullPath(path);
+  if (fullPath.empty() || IsVolumeRoot(fullPath)) return;
+  const DWORD attributes = GetFileAttributesW(fullPath.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_DIRECTORY)) return;
-  RemoveEntry(UnlimitedForm(path), attributes);
+  RemoveEntry(UnlimitedForm(fullPath), attributes);
 }

@@ -54,17 +54,6 @@ TEST(ManifestReader, ValuesInOtherForms) {
   EXPECT_FALSE(ReadPackage("<default value='True'/>").isDefault);
 }
 
-TEST(ManifestReader, OrderFollowsTheDocumentAndPackagesStayKnown) {
-  Manifest manifest;
-  ReadInto(manifest,
-           "<packages><package><filename value='z'/></package><other/><package/>"
-           "<package><filename value='z'/><md5 value='second'/></package></packages>");
-  EXPECT_EQ(manifest.packageOrder, (Names{"z", "", "z"}));
-  ReadInto(manifest, "<packages/>");
-  EXPECT_TRUE(manifest.packageOrder.empty());
-  EXPECT_EQ(manifest.packages.at("z").md5, "second");
-}
-
 TEST(ManifestReader, SelectionFollowsTheCatalogueOfSources) {
   const std::string two = "<source key='us'/><source key='eu'/></sources>";
   Manifest manifest;

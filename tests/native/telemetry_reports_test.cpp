@@ -14,17 +14,6 @@ TEST(TelemetryReports, StatsHoldOnlyWhatIsThere) {
             "%7b%22b+c%22%3a%7b%22source%22%3a%22x%22%7d%2c%22%ff%22%3a%7b%22exterr%22%3a5%7d%7d");
 }
 
-TEST(TelemetryReports, StartReport) {
-  StartReport report = {"0f8f", "gtasa,mtasa.exe", 5'000'000'000, L"C:\\GTA San \u0418", "raw & kept"};
-  const std::string start =
-      "u=0f8f&type=install_start&packages=gtasa%2cmtasa.exe&size=5000000000&path=C%3a%5cGTA+San+%d0%98"
-      "&source=raw & kept";
-  EXPECT_EQ(BuildStartReport(report), start);
-  report.limitKB = 512;
-  report.reinstall = report.selectionFromUser = true;
-  EXPECT_EQ(BuildStartReport(report), start + "&limit=512&reinstall=1&wae=1");
-}
-
 TEST(TelemetryReports, EndReports) {
   PhaseEnd end = {.uuid = "0f8f", .elapsedMs = 61500, .changedLimitKB = {}, .statsField = "{}", .errorRecords = ""};
   EXPECT_EQ(BuildDownloadReport(end), "u=0f8f&type=download_finish&time=61500&stats={}");

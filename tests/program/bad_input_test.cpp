@@ -31,53 +31,11 @@ class BadInput : public InstallerTest {
     return files;
   }
 
-  // The list stays empty and nothing is kept; the program closes as ever.
-  void ExpectNoList() {
-    EXPECT_FALSE(WaitUntil(
-        [this] {
-          return RowCount(ComponentList(Window())) != 3 || IsWindowEnabled(BottomButton(Window())) ||
-                 FindBox(Process().Id()).window;
-        },
-        std::chrono::seconds(1)))
-        << "it shows something else than that it loads";
-    CloseAndExpectExit();
-    EXPECT_FALSE(PathExists(TempPath(L"manifest.xml")));
-  }
   void CloseAndExpectExit() {
     Close();
     ExpectExit();
   }
 };
-
-TEST_F(BadInput, BrokenManifests) {
-  const char* const manifests[] = {
-      "<downloader><packages>",                            // cut off
-      "<other><packages/></other>",                        // of another program
-      "<!DOCTYPE html><html><body>Sign in</body></html>",  // what hotels answer
-      "no XML at all",
-  };
-  for (const char* xml : manifests) {
-    SCOPED_TRACE(xml);
-    server_.reset();
-    StartServer();
-    OfferManifest(xml);
-    Start();
-    ASSERT_TRUE(WaitUntil([this] { return !server_->Requests().empty(); }));
-    ExpectNoList();
-  }
-}
-
-TEST_F(BadInput, ATruncatedCacheIsDroppedAndFetchedNextTime) {
-  Offer({{.filename = "a.dat", .content = TestBytes(5000), .name = "N"}});
-  WriteTestFile(TempPath(L"manifest.xml"), "<downloader><packages><package><filename val");
-  Start();
-  ASSERT_TRUE(WaitUntil([this] { return !PathExists(TempPath(L"manifest.xml")); }));
-  ExpectNoList();
-  EXPECT_TRUE(server_->Requests().empty());
-  Start();
-  PressInstall();
-  ExpectEnd();
-}
 
 TEST_F(BadInput, DownloadsThatDontMatchTheManifest) {
   const std::string content = TestBytes(100'000), other = TestBytes(100'000, 9);

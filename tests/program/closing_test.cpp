@@ -68,24 +68,9 @@ TEST_F(Closing, TheFifthCloseEndsAtOnce) {
   ExpectExit();  // although the server still holds the transfer
 }
 
-TEST_F(Closing, ABoxOfTheWorkerHoldsNothingUp) {
-  const InstallerBox box = StartAndFail();
-  Close();
-  ExpectPage(ClosingPage);
-  EXPECT_EQ(ShownText(Window()), L"Zendora Installer") << "the window doesn't answer";
-  AnswerBox(box, IDNO);
-  ExpectExit();
-}
-
 TEST_F(Closing, TheFifthCloseEndsAlsoBehindABox) {
   StartAndFail();
   for (int i = 0; i < 5; ++i) Close();
-  ExpectExit();
-}
-
-TEST_F(Closing, ExitInTheMenuEndsARunningInstallation) {
-  StartAndStall();
-  ChooseCommand(Window(), 105);
   ExpectExit();
 }
 

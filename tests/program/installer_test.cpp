@@ -57,8 +57,6 @@ std::string InstallerTest::ZipOf(const std::vector<TestEntry>& entries) {
   return ReadTestFile(folder / L"archive.zip");
 }
 
-void InstallerTest::OfferManifest(const std::string& xml) { server_->Answer(kRepositoryPath, {.body = xml}); }
-
 void InstallerTest::Offer(const std::vector<TestPackage>& packages) {
   std::string xml =
       "<downloader><sources default=\"main\"><source key=\"main\" title=\"Main\"/>"
@@ -67,7 +65,7 @@ void InstallerTest::Offer(const std::vector<TestPackage>& packages) {
     xml += PackageXml(package);
     server_->Answer(FilePath(package), {.body = package.content});
   }
-  OfferManifest(xml + "</packages></downloader>");
+  server_->Answer(kRepositoryPath, {.body = xml + "</packages></downloader>"});
 }
 
 void InstallerTest::Start(const std::wstring& commandLine, const std::wstring& program) {

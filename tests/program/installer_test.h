@@ -43,7 +43,6 @@ class InstallerTest : public testing::Test {
 
   // Publishes packages: the manifest, and each file at http://zendora.example/packages/<filename>.
   void Offer(const std::vector<TestPackage>& packages);
-  void OfferManifest(const std::string& xml);
   static std::string FilePath(const TestPackage& package) { return "/packages/" + package.filename; }
 
   // Starts the program; returns when its window is there.

@@ -36,9 +36,13 @@ TEST_F(Options, DeletedApplicationDataIsGone) {
   Start();
   AwaitList();
   ChooseCommand(Window(), COMMAND_DELETE_APP_DATA);
-  AnswerBox(ExpectBox(L"Following data will be deleted:\n- Application registry items\n- Folder: " + dataFolder +
-                      L"\n- Folder: " + downloads_.Path()),
-            IDYES);
+  const std::wstring question = L"Following data will be deleted:\n- Application registry items\n- Folder: " +
+                                dataFolder + L"\n- Folder: " + downloads_.Path();
+  AnswerBox(ExpectBox(question), IDNO);
+  ASSERT_TRUE(WaitUntil([this] { return !FindBox(Process().Id()).window; }));
+  EXPECT_TRUE(PathExists(dataFolder + L"\\left.zip") && SettingsCount() > 0);
+  ChooseCommand(Window(), COMMAND_DELETE_APP_DATA);
+  AnswerBox(ExpectBox(question), IDYES);
   AnswerBox(ExpectBox(L"Application data is deleted"), IDOK);
   EXPECT_FALSE(PathExists(dataFolder));
   EXPECT_FALSE(PathExists(downloads_.Path()));

@@ -1,7 +1,6 @@
 // Downloads that break off: not a byte that arrived is fetched again, and the result is the same.
 #include "program/installer_test.h"
 #include "system/files.h"
-#include "system/text.h"
 
 namespace {
 
@@ -107,18 +106,6 @@ TEST_F(Resume, StartsWithoutNetwork) {
   PressInstall();
   ExpectEnd();
   ExpectInstalled();
-}
-
-TEST_F(Resume, AWholeFileIsNotFetchedAgain) {
-  Offer({package_});
-  Start(L"install:big.zip source:main");
-  ExpectEnd();
-  Close();
-  ExpectExit();
-  Start(L"install:big.zip source:main");
-  ExpectLog(L"File exists. Hash is ok (" + WidenBytes(Md5Of(package_.content)) + L")");
-  ExpectEnd();
-  EXPECT_EQ(server_->RequestsOf(FilePath(package_)).size(), 1u);
 }
 
 }  // namespace

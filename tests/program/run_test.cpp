@@ -36,21 +36,11 @@ TEST_F(Installation, InstallsWhatIsChecked) {
   EXPECT_TRUE(server_->RequestsOf("/packages/unwanted.dat").empty());
   EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "install_finish"}));
   for (const RecordedRequest& request : server_->Requests()) {
-    EXPECT_TRUE(request.headers.at("user-agent").starts_with("Zendora Installer/4.0.8 (Windows NT ")) << request.raw;
+    EXPECT_TRUE(request.headers.at("user-agent").starts_with("Zendora Installer/4.0.8 (Windows NT ")) << request.target;
   }
 
   Press(BottomButton(Window()));
   ExpectExit();
-}
-
-TEST_F(Installation, StartsByItselfWhenTheCommandLineNamesPackages) {
-  const TestPackage wanted{.filename = "wanted.dat", .content = TestBytes(9000), .name = "A"};
-  const TestPackage other{.filename = "other.dat", .content = TestBytes(9000), .name = "A"};
-  Offer({other, wanted});
-  Start(L"install:wanted.dat source:main");
-  ExpectEnd();
-  ExpectContent(TargetPath(L"A\\wanted.dat"), wanted.content);
-  EXPECT_TRUE(server_->RequestsOf(FilePath(other)).empty());
 }
 
 TEST_F(Installation, CheckingRowsDecides) {

@@ -275,13 +275,4 @@ TEST_F(SelfUpdate, AKillAtAnyMomentLeavesAWholeProgram) {
   }
 }
 
-TEST_F(SelfUpdate, AForgottenCopyIsRemoved) {
-  WriteTestFile(program_, new_);
-  WriteTestFile(UpdateFile(), new_);
-  WriteTestFile(backup_, old_);
-  Start(L"", program_);
-  AwaitList();
-  EXPECT_FALSE(PathExists(backup_));
-}
-
 }  // namespace

@@ -15,8 +15,6 @@ class ReplacedImport {
   ReplacedImport(const ReplacedImport&) = delete;
   ReplacedImport& operator=(const ReplacedImport&) = delete;
 
-  Function Original() const { return original_; }
-
  private:
   void Write(Function function) {
     DWORD protection = 0;

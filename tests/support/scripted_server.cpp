@@ -58,7 +58,6 @@ std::string LowerCase(std::string text) {
 // `raw` ends with the empty line.
 RecordedRequest ParseRequest(const std::string& raw) {
   RecordedRequest request;
-  request.raw = raw;
   const size_t first_blank = raw.find(' ');
   const size_t second_blank = raw.find(' ', first_blank + 1);
   request.method = raw.substr(0, first_blank);
@@ -98,7 +97,6 @@ Response BuildResponse(const RecordedRequest& request, const ScriptedAnswer& ans
   if (answer.announceLength) {
     response.head += "Content-Length: " + std::to_string(response.body.size()) + "\r\n";
   }
-  for (const auto& [name, value] : answer.headers) response.head += name + ": " + value + "\r\n";
   response.head += "\r\n";
   return response;
 }

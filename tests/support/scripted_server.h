@@ -6,12 +6,10 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 struct ScriptedAnswer {
   int status = 200;
-  std::vector<std::pair<std::string, std::string>> headers = {};  // besides Content-Length and Connection
   std::string body = {};
   bool honourRange = true;                // answer 206 with the rest of the body to a range request that it covers
   bool announceLength = true;             // send Content-Length
@@ -23,7 +21,6 @@ struct ScriptedAnswer {
 struct RecordedRequest {
   std::string method, target;                  // target: path and query
   std::map<std::string, std::string> headers;  // by lower-case name
-  std::string raw;                             // request line and headers as they came
   std::string body;
 };
 

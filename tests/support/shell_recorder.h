@@ -11,7 +11,6 @@
 #include "support/replaced_import.h"
 
 extern "C" decltype(&ShellExecuteW) importedShellExecute __asm__("__imp__ShellExecuteW@24");
-extern "C" decltype(&ShellExecuteExW) importedShellExecuteEx __asm__("__imp__ShellExecuteExW@4");
 
 struct ShellStart {
   std::wstring verb, parameters;  // empty where none was given
@@ -19,8 +18,7 @@ struct ShellStart {
 
 class ShellRecorder {
  public:
-  // With an `error` every start fails with it. Otherwise it succeeds, and ShellExecuteExW gives a handle to a process
-  // that has ended already.
+  // With an `error` every start fails with it.
   explicit ShellRecorder(DWORD error = ERROR_SUCCESS) : error_(error) { current_ = this; }
 
   // To be read when nothing is being started.
@@ -34,17 +32,9 @@ class ShellRecorder {
     SetLastError(current_->error_);
     return reinterpret_cast<HINSTANCE>(INT_PTR{current_->error_ == ERROR_SUCCESS ? 33 : SE_ERR_ACCESSDENIED});
   }
-  static BOOL WINAPI StartEx(SHELLEXECUTEINFOW* info) {
-    Start(nullptr, info->lpVerb, info->lpFile, info->lpParameters, nullptr, 0);
-    const bool started = current_->error_ == ERROR_SUCCESS;
-    // A set event can be waited for like a process that has ended.
-    info->hProcess = started ? CreateEventW(nullptr, TRUE, TRUE, nullptr) : nullptr;
-    return started;
-  }
 
   static inline ShellRecorder* current_ = nullptr;
   const DWORD error_;
   std::vector<ShellStart> starts_;
   const ReplacedImport<decltype(&ShellExecuteW)> shellExecute_{importedShellExecute, Start};
-  const ReplacedImport<decltype(&ShellExecuteExW)> shellExecuteEx_{importedShellExecuteEx, StartEx};
 };

@@ -2,11 +2,9 @@
 
 #include <regex>
 
-#include "manifest/game_paths.h"
 #include "net/form_encoding.h"
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
-#include "support/own_machine_key.h"
 #include "support/test_manifest.h"
 
 namespace {
@@ -86,20 +84,4 @@ TEST_F(InstallationRunTest, TheFirstMismatchRefreshesTheManifestLaterOnesTryTheN
   EXPECT_TRUE(Reports().at(1).ends_with(record + "43&hash=" + kOtherMd5 + "&manifest=0" + record + "20&manifest=1"));
   EXPECT_EQ(server_.RequestsOf("/play/files/repository.php").size(), 1u);
   EXPECT_EQ(server_.RequestsOf("/2").at(0).headers.at("range"), "bytes=20-");
-}
-
-TEST_F(InstallationRunTest, GamesThatAreThereAreReinstalledInPlaceWhenTheUserAgrees) {
-  const std::wstring game = folder_ / L"game";
-  WriteTestFile(game + L"\\gta_sa.exe", "the game");
-  const OwnMachineKey machine;
-  machine.SetText(L"SOFTWARE\\Rockstar Games\\GTA San Andreas\\Installation", L"ExePath", game + L"\\gta_sa.exe");
-  for (const bool agrees : {false, true}) {
-    gamePaths = {};
-    const BoxRecorder boxes({agrees ? IDYES : IDNO});
-    Install({"gtasa"}, ManifestOf({{"gtasa", "<md5/>"}}));
-    EXPECT_EQ(boxes.Boxes().at(0).text, L"Some components were found on your Computer:\n\nTitle of gtasa\n> " + game +
-                                            L"\n\nDo you want to reinstall these components using existing folders?");
-    EXPECT_EQ(PathExists(game + L"\\gtasa"), agrees);
-    EXPECT_EQ(Reports().end()[-2].ends_with("&reinstall=1"), agrees);
-  }
 }

@@ -3,7 +3,6 @@
 
 #include "app/localization.h"
 #include "app/main_menu.h"
-#include "app/single_instance.h"
 #include "manifest/component_list.h"
 #include "support/shell_recorder.h"
 #include "support/test_manifest.h"
@@ -78,29 +77,6 @@ TEST_F(MainWindow, LanguageChangesEverythingButTheWorkersTexts) {
   Send(WM_COMMAND, LANG_ENGLISH, 0);
   EXPECT_EQ(TextOf(window_.Installation().packageLabel), L"worker's text");
   EXPECT_TRUE(TextOf(window_.Installation().deleteTmpCheckbox).starts_with(L"Delete created"));
-}
-
-TEST_F(MainWindow, ForwardedCommandLineIsReadOnlyAsFarAsItGoes) {
-  std::pair<std::wstring, Names> cases[] = {{L"install:unterminated", {"unterminated"}},
-                                            {std::wstring(L"install:a,b source:eu\0install:x", 31), {"a", "b"}}};
-  for (auto& [sent, expected] : cases) {
-    COPYDATASTRUCT data{9999, static_cast<DWORD>(sent.size() * sizeof(wchar_t)), sent.data()};
-    Send(WM_COPYDATA, kCopyDataCommandLine, reinterpret_cast<LPARAM>(&data));
-    EXPECT_EQ(*app.installList.Get(), expected);
-  }
-  EXPECT_EQ(*app.selectedSource.Get(), "eu");
-}
-
-TEST_F(MainWindow, APageThatIsLeftIsReleasedUnlessAThreadStillFillsIt) {
-  for (const bool filling : {false, true}) {
-    window_.Run(ShowComponentsPage);
-    ComponentsPageControls* const page = &window_.Components();
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(page->totalSizeLabel.Window(), WM_GETFONT, 0, 0));
-    if (filling) app.manifestThread = ActiveThread();
-    window_.Run(ShowInstallPage);
-    EXPECT_EQ(GetObjectType(font), filling ? DWORD{OBJ_FONT} : 0u);
-    if (filling) delete page;
-  }
 }
 
 TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {

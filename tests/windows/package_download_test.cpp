@@ -80,19 +80,6 @@ TEST_F(PackageDownloadTest, TheUserIsToldWhyTheLastSourceFailed) {
   }
 }
 
-TEST_F(PackageDownloadTest, AnOutageIsBridgedFromWhereTheFileEnds) {
-  ScriptedAnswer broken = Serving(kFox);
-  broken.closeAfter = 20;
-  server_.AnswerNext("/fox", broken);
-  const SendFaults faults({0, kErrorCannotConnect, kErrorTimeout, kErrorNameNotResolved});
-  // A file that no record vouches for must not be continued by a retry.
-  WriteTestFile(file_, "half of an older fox");
-  EXPECT_EQ(Download(), DownloadOutcome::Done);
-  EXPECT_EQ(Requested(), "bytes=20-");
-  EXPECT_EQ(pauses, 4);
-  EXPECT_EQ(ReadTestFile(file_), kFox);
-}
-
 TEST_F(PackageDownloadTest, UnsafeNamesAreRefused) {
   const BoxRecorder boxes({IDNO});
   package_.filename = "..\\fox";

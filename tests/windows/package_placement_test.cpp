@@ -75,24 +75,6 @@ TEST_F(PackagePlacementTest, FilesAreVerified) {
                 L"\n\nThis error could be caused by other program (for example by virus or antivirus)");
 }
 
-TEST_F(PackagePlacementTest, InstallersAreRunWithTheirArguments) {
-  const std::wstring output = folder_ / L"ran.txt";
-  // Some take this exit code for "still running".
-  package_.install = "setup.exe|/c \"echo ran>\"" + WideToUtf8(output) + "\" & exit 259\"|more";
-  package_.filetype = "application/x-msdownload";
-  WriteTestFile(file_, kFox);  // no program, but what is run where setup.exe is missing
-  const BoxRecorder boxes({IDNO});
-  EXPECT_EQ(Place().error, ERROR_BAD_EXE_FORMAT);
-  EXPECT_EQ(run_.errorRecords, InstallerNotStartedRecord("fox", ERROR_BAD_EXE_FORMAT));
-  EXPECT_EQ(boxes.Boxes().at(0).text,
-            L"Unable to start the process\n\nYou can try to start this process manually:\n" + file_ + L"\n\nOpen?");
-  wchar_t interpreter[MAX_PATH];
-  GetEnvironmentVariableW(L"ComSpec", interpreter, MAX_PATH);
-  WriteTestFile(target_ + L"\\setup.exe", ReadTestFile(interpreter));
-  EXPECT_TRUE(Place().ok);
-  EXPECT_TRUE(PathExists(output));
-}
-
 TEST_F(PackagePlacementTest, PathsThatLeaveTheirFolderAreRefused) {
   EXPECT_TRUE(PathsStayInside(package_));
   for (const auto field :

@@ -1,7 +1,8 @@
 // Texts in all languages.
+#include <gtest/gtest.h>
+
+#include "app/context.h"
 #include "app/localization.h"
-#include "app/ui_language.h"
-#include "support/test_window.h"
 #include "system/text.h"
 
 namespace {
@@ -32,54 +33,6 @@ TEST(Resources, TranslationsFitTheJointsOfTheEnglishTexts) {
   // Letters that get lost when a file is read in a wrong code page.
   EXPECT_EQ(TextIn(LANG_RUSSIAN, STR_FILE), L"\u0424\u0430\u0439\u043B");
   EXPECT_EQ(TextIn(LANG_TURKISH, STR_EXIT), L"\u00C7\u0131k\u0131\u015F");
-}
-
-// Whether the text of a label or button fits it, measured with its font.
-BOOL CALLBACK ExpectTextFits(HWND control, LPARAM) {
-  constexpr LONG kButtonPadding = 12, kShieldWidth = 22;
-  const LRESULT kind = SendMessageW(control, WM_GETDLGCODE, 0, 0);
-  if (!(kind & (DLGC_BUTTON | DLGC_STATIC))) return TRUE;
-  const std::wstring text = TextOf(control);
-  RECT room{};
-  GetClientRect(control, &room);
-  if (kind & DLGC_BUTTON) room.right -= kButtonPadding;
-  if (text == LoadLocalizedString(STR_INSTALL)) room.right -= kShieldWidth;
-  const HDC dc = GetDC(control);
-  const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0));
-  const HGDIOBJ previous = SelectObject(dc, font);
-  SIZE size{};
-  GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
-  EXPECT_LE(size.cx, room.right) << WideToUtf8(text);
-  EXPECT_LE(size.cy, room.bottom) << WideToUtf8(text);
-  SelectObject(dc, previous);
-  ReleaseDC(control, dc);
-  return TRUE;
-}
-
-TEST(Resources, TextsFitTheirControlsInEveryLanguage) {
-  const TestWindow window(CreateProgramWindow);
-  const auto text = LoadLocalizedString;
-  for (const auto& [language, name] : UiLanguages()) {
-    SCOPED_TRACE(WideToUtf8(name));
-    window.Run([&, language = language] {
-      SetUiLanguage(language);
-      ShowComponentsPage();
-      window.Components().totalSizeLabel.SetText(text(STR_TOTAL_SIZE) + L": 1023 MB [" + text(STR_AFTER_INSTALLATION) +
-                                                 L": 1023 MB]");
-      EnumChildWindows(window.Window(), ExpectTextFits, 0);
-      ShowInstallPage();
-      const InstallPageControls& page = window.Installation();
-      page.packageLabel.SetText(text(STR_DOWNLOADING_PACKAGE) + L": Zendora client resources (99 / 99)");
-      page.totalLabel.SetText(text(STR_INSTALLING_PACKAGE) + L": Zendora client resources (99 / 99)");
-      page.totalDetailLabel.SetText(text(STR_EXTRACTING) + L": resources\\textures\\vehicles.txd (100%)");
-      EnumChildWindows(window.Window(), ExpectTextFits, 0);
-      const HWND dialog = CreateDialogParamW(app.instance, MAKEINTRESOURCEW(DIALOG_SPEED_LIMIT), nullptr, nullptr, 0);
-      SetDlgItemTextW(dialog, SPEED_RESET, text(STR_RESET).c_str());
-      SetDlgItemTextW(dialog, IDCANCEL, text(STR_CANCEL).c_str());
-      EnumChildWindows(dialog, ExpectTextFits, 0);
-      DestroyWindow(dialog);
-    });
-  }
 }
 
 }  // namespace

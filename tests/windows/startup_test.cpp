@@ -1,10 +1,7 @@
 // What start-up settles before there is a window.
 #include <gtest/gtest.h>
 
-#include <optional>
-
 #include "app/context.h"
-#include "app/replaced_program.h"
 #include "app/settings.h"
 #include "support/temp_folder.h"
 #include "system/files.h"
@@ -49,34 +46,6 @@ TEST(Settings, SavedChoicesComeBack) {
   LoadSettings();
   EXPECT_EQ(app.uiLanguage, uint32_t{LANG_TURKISH});
   EXPECT_TRUE(app.deleteTmpFiles);
-}
-
-TEST(ReplacedProgram, TakesItsPlaceAgainWhenItIsStarted) {
-  const struct {
-    const wchar_t* started;
-    std::optional<std::string> inPlace;
-    const wchar_t* runsAs;
-  } cases[] = {
-      {L"setup.exe.backup", std::nullopt, L"setup.exe"},              // ended before the new one was there
-      {L"setup.exe.backup", "half", L"setup.exe"},                    // ended while the new one was copied
-      {L"setup.exe.backup", "the new program", L"setup.exe.backup"},  // beside the whole new one
-      {L"backup.exe", "other", L"backup.exe"},
-  };
-  for (const auto& test : cases) {
-    const TempFolder folder;
-    app.exePath = folder / test.started;
-    app.tmpPath.Set(folder.Path());
-    if (test.inPlace) WriteTestFile(folder / L"setup.exe", *test.inPlace);
-    WriteTestFile(app.exePath, "whole");
-    WriteTestFile(UpdateFilePath(), "the new program");
-    RestoreReplacedProgram();
-    EXPECT_EQ(app.exePath, folder / test.runsAs);
-    EXPECT_EQ(ReadTestFile(app.exePath), "whole");
-    app.backupPath = folder / L"somebody's own";
-    WriteTestFile(app.backupPath, "old");
-    RemoveForgottenCopy();
-    EXPECT_TRUE(PathExists(app.backupPath)) << "this is not the program that was downloaded";
-  }
 }
 
 }  // namespace

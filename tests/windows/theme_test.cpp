@@ -2,7 +2,6 @@
 
 #include <map>
 
-#include "app/dark_menu_bar.h"
 #include "app/theme_api.h"
 #include "app/theme_brushes.h"
 #include "resource.h"
@@ -78,18 +77,6 @@ TEST_F(DarkMode, ComponentsPageFollowsTheUser) {
   }
 }
 
-TEST_F(DarkMode, NothingOfTheOtherAppearanceStaysOnTheInstallationPage) {
-  window_.Run(ShowInstallPage);
-  const POINT background{2, 2}, log{100, 250}, label{300, 17}, besideCheckMark{500, 368};
-  for (const bool dark : {true, false, true}) {
-    Choose(dark, window_.Window());
-    EXPECT_EQ(styles[window_.Installation().deleteTmpCheckbox.Window()], dark ? L"" : L"the system's own");
-    for (const auto& [x, y] : {background, log, label, besideCheckMark}) {
-      EXPECT_EQ(PixelOf(window_.Window(), x, y), dark ? kBlack : kWhite) << x << ", " << y;
-    }
-  }
-}
-
 TEST_F(DarkMode, DialogsFollowTheUser) {
   Choose(true, window_.Window());
   const OpenedDialog dialog(window_, COMMAND_SPEED_LIMIT);
@@ -100,21 +87,6 @@ TEST_F(DarkMode, DialogsFollowTheUser) {
     EXPECT_EQ(PixelOf(dialog.Item(SPEED_TRACKBAR), 1, 1), dark ? kBlack : GetSysColor(COLOR_BTNFACE));
     EXPECT_EQ(PixelOf(dialog.Item(SPEED_EDIT), 20, 5), dark ? kBlack : kWhite);
   }
-}
-
-TEST_F(DarkMode, MenuBarIsDarkToo) {
-  window_.Run([this] {
-    const HDC dc = GetWindowDC(window_.Window());
-    const struct {
-      HMENU menu;
-      HDC dc;
-      DWORD flags;
-    } bar{GetMenu(window_.Window()), dc, 0};
-    SetPixel(dc, 200, 30, kWhite);
-    EXPECT_EQ(SendMessageW(window_.Window(), kDrawMenuBarMessage, 0, reinterpret_cast<LPARAM>(&bar)), TRUE);
-    EXPECT_EQ(GetPixel(dc, 200, 30), kBlack);
-    ReleaseDC(window_.Window(), dc);
-  });
 }
 
 }  // namespace

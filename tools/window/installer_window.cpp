@@ -126,8 +126,6 @@ void ChooseCommand(HWND window, int command) { PostMessageW(window, WM_COMMAND, 
 
 HWND ComponentList(HWND window) { return VisibleChildOfClass(window, WC_LISTVIEWW); }
 
-int RowCount(HWND list) { return static_cast<int>(Ask(list, LVM_GETITEMCOUNT)); }
-
 InstallerBox FindBox(DWORD process) {
   for (const HWND window : TopLevelWindows()) {
     if (ProcessOf(window) != process || !IsWindowVisible(window) || ClassOf(window) != L"#32770") continue;

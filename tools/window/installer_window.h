@@ -36,9 +36,8 @@ void Press(HWND button);
 void PressKey(HWND control, WPARAM key);
 void ChooseCommand(HWND window, int command);
 
-// The list of components, and how many rows it has.
+// The list of components.
 HWND ComponentList(HWND window);
-int RowCount(HWND list);
 
 // A message box or dialog of a process.
 struct InstallerBox {

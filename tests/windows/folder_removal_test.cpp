@@ -1,44 +1,17 @@
-// What goes with the application's data, and what must stay.
-#include "app/delete_app_data.h"
+#include "system/folder_removal.h"
 
-#include "app/context.h"
-#include "support/box_recorder.h"
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "support/replaced_import.h"
 #include "support/temp_folder.h"
 #include "system/files.h"
-#include "system/folder_removal.h"
 #include "system/handles.h"
-#include "system/registry.h"
 
 extern "C" decltype(&FindNextFileW) importedFindNextFile __asm__("__imp__FindNextFileW@8");
 extern "C" decltype(&GetVolumePathNameW) importedGetVolumePathName __asm__("__imp__GetVolumePathNameW@12");
 
 namespace {
-
-TEST(DeleteAppData, RemovesSettingsAndBothFoldersOnYes) {
-  const TempFolder folder;
-  app.dataDir = folder / L"Zendora\\Installer";
-  app.tmpPath.Set(folder / L"downloads");
-  for (const wchar_t* file : {L"Zendora\\Installer\\sub\\file", L"downloads\\game.zip", L"other\\file"}) {
-    WriteTestFile(folder / file, "content");
-  }
-  const std::wstring deeper = app.registryKeyPath + L"\\Deeper\\Still";
-  for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-    RegSetKeyValueW(root, deeper.c_str(), L"Setting", REG_SZ, L"", sizeof(wchar_t));
-  }
-  for (const bool agrees : {false, true}) {
-    const BoxRecorder boxes(agrees ? std::deque<int>{IDYES, IDOK} : std::deque<int>{IDNO});
-    DeleteAppData();
-    EXPECT_EQ(boxes.Boxes().at(0).text, L"Following data will be deleted:\n- Application registry items\n- Folder: " +
-                                            app.dataDir + L"\n- Folder: " + *app.tmpPath.Get());
-    EXPECT_EQ(boxes.Boxes().back().text == L"Application data is deleted", agrees);
-    for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-      EXPECT_EQ(ReadRegistryText(root, deeper.c_str(), L"Setting").has_value(), !agrees);
-    }
-    EXPECT_EQ(PathExists(app.dataDir), !agrees);
-    EXPECT_EQ(PathExists(folder / L"downloads"), !agrees);
-  }
-  EXPECT_TRUE(PathExists(folder / L"other\\file"));
-}
 
 // Shows every folder called "link" as what Windows reports for a junction.
 decltype(&FindNextFileW) realFindNextFile;

@@ -1,0 +1,20 @@
+#include "system/process.h"
+
+#include "net/error_text.h"
+#include "support/box_recorder.h"
+#include "support/shell_recorder.h"
+
+TEST(RepairPermissions, GrantsFoldersToUserAndUsersGroup) {
+  EXPECT_EQ(BuildRepairParameters(L"C:\\Data", L"Ann"),
+            L"/c icacls \"C:\\Data\" /grant:r Ann:(F) & icacls \"C:\\Data\\Zendora\" /grant:r "
+            L"*S-1-5-32-545:(OI)(CI)(F) /T /grant:r Ann:(OI)(CI)(F) /T");
+}
+
+// A person who refused the consent prompt must not get the program without elevation instead.
+TEST(RunProcess, RefusedElevationIsTold) {
+  const ShellRecorder shell(ERROR_CANCELLED);
+  const BoxRecorder boxes({IDOK});
+  EXPECT_FALSE(RunProcess(true, true, L"setup.exe", L"a b"));
+  EXPECT_EQ(boxes.Boxes().at(0).text, L"Error: 1223\n" + GetErrorText(ERROR_CANCELLED) + L"\nFile: setup.exe\n\n" +
+                                          L"Please start Zendora Installer with Administrator privileges");
+}
