@@ -1,15 +1,15 @@
-#include "app/about_dialog.h"
+#include "app/dialogs.h"
 
 #include <windows.h>
 
 #include <string>
 
-#include "app/context.h"
-#include "app/dialogs.h"
-#include "app/localization.h"
-#include "app/theme.h"
+#include "core/context.h"
+#include "core/localization.h"
 #include "system/process.h"
 #include "system/text.h"
+#include "ui/dialogs.h"
+#include "ui/theme/theme.h"
 
 namespace {
 

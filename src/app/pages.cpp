@@ -2,11 +2,11 @@
 
 #include <windows.h>
 
-#include "app/context.h"
-#include "app/localization.h"
-#include "app/page_controls.h"
-#include "app/theme.h"
+#include "core/context.h"
+#include "core/localization.h"
 #include "system/threads.h"
+#include "ui/page_controls.h"
+#include "ui/theme/theme.h"
 
 namespace {
 

@@ -2,14 +2,14 @@
 
 #include <shlobj.h>
 
-#include "app/page_controls.h"
 #include "install/client_config.h"
-#include "install/shortcut.h"
-#include "install/task_text.h"
+#include "install/package_texts.h"
 #include "system/files.h"
 #include "system/path_names.h"
-#include "system/process.h"
+#include "ui/message_boxes.h"
+#include "system/shortcut.h"
 #include "system/text.h"
+#include "ui/page_controls.h"
 
 namespace {
 

@@ -5,18 +5,18 @@
 
 #include <vector>
 
-#include "app/context.h"
-#include "app/localization.h"
-#include "app/message_boxes.h"
+#include "core/context.h"
+#include "core/localization.h"
 #include "install/package_download.h"
+#include "install/package_texts.h"
 #include "install/run_display.h"
-#include "install/task_text.h"
 #include "net/telemetry_reports.h"
 #include "system/files.h"
 #include "system/handles.h"
 #include "system/path_names.h"
 #include "system/process.h"
 #include "system/text.h"
+#include "ui/message_boxes.h"
 
 namespace {
 

@@ -6,8 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "core/context.h"
 #include "net/http_client.h"
 #include "net/http_post_client.h"
+#include "net/retry.h"
 #include "net/telemetry_reports.h"
 
 struct Installation {
@@ -28,6 +30,14 @@ struct Installation {
   uint64_t upsizeTotal = 0;  // sum of the packages' upsize
   uint64_t upsizeDone = 0;   // sum over the packages that the install phase is done with
 
-  HttpClient downloads;
-  HttpPostClient reports;
+  // At most 60 retries in a row that bring the file no further.
+  RetryRules retryRules{.most = 60};
+  HttpClient downloads{app.userAgent, app.cancelRequested.Token()};
+  HttpPostClient reports{app.userAgent, app.cancelRequested.Token()};
+};
+
+// The outcome of putting a package into its place.
+struct PlacementResult {
+  bool ok = false;
+  uint32_t error = 0;  // the system error that made it fail, 0 when there was none
 };

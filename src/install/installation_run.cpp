@@ -1,25 +1,24 @@
 #include "install/installation_run.h"
 
-#include <atomic>
 #include <memory>
 
-#include "app/context.h"
-#include "app/localization.h"
-#include "app/message_boxes.h"
-#include "app/page_controls.h"
-#include "app/site.h"
+#include "core/context.h"
+#include "core/localization.h"
+#include "core/site.h"
 #include "install/finishing_tasks.h"
+#include "install/game_paths.h"
 #include "install/installation.h"
 #include "install/package_download.h"
 #include "install/package_placement.h"
 #include "install/registry_items.h"
 #include "install/run_display.h"
 #include "install/transfer_status.h"
-#include "manifest/game_paths.h"
 #include "manifest/manifest_store.h"
 #include "system/files.h"
 #include "system/path_names.h"
 #include "system/text.h"
+#include "ui/message_boxes.h"
+#include "ui/page_controls.h"
 
 // The story starts at the end of this file.
 
@@ -257,10 +256,7 @@ void DeleteTemporaryFiles(const Installation& run) {
 
 // Hands the window back. True when it waits for that in order to close: it is then asked once more.
 bool LeaveRun() {
-  app.installRunning = false;
-  // Either the window sees that no run keeps it, or the close request that it put off is seen here.
-  std::atomic_thread_fence(std::memory_order_seq_cst);
-  if (app.closeAttempts == 0) return false;
+  if (!app.windowHold.Release()) return false;
   PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
   return true;
 }
@@ -275,14 +271,13 @@ void LeaveCancelledDownloads() {
 void LeaveInstallPhase(const Installation& run) {
   if (LeaveRun()) return;
   if (app.deleteTmpFiles) DeleteTemporaryFiles(run);
-  app.cancelRequested = true;
+  app.cancelRequested.Utter();
   OfferExit();
 }
 
 // --- The phases
 
 void BeginRun(Installation& run) {
-  app.installRunning = true;
   TakeOverOptions(run);
   CreateDirectories(run.tmpPath);  // the user may have deleted it since start-up
   ShowRunStart(run);
@@ -317,6 +312,7 @@ void RunInstallation() {
   Installation run;
   run.installList = *app.installList.Get();
   AskReinstallIntoExistingFolders(run);
+  if (!app.windowHold.Acquire()) return;  // closed while the question was open
   BeginRun(run);
   if (!RunDownloadPhase(run)) return LeaveCancelledDownloads();
   RunInstallPhase(run);

@@ -2,23 +2,22 @@
 
 #include <windows.h>
 
-#include "app/context.h"
-#include "app/localization.h"
-#include "app/message_boxes.h"
-#include "app/page_controls.h"
+#include "core/context.h"
+#include "core/localization.h"
+#include "install/package_texts.h"
 #include "install/run_display.h"
 #include "install/source_attempt.h"
-#include "install/stat_record.h"
 #include "install/transfer_status.h"
 #include "manifest/manifest_retrieval.h"
 #include "manifest/manifest_store.h"
 #include "net/error_text.h"
 #include "net/file_hash.h"
-#include "net/network_errors.h"
+#include "net/http_result.h"
 #include "system/files.h"
-#include "system/handles.h"
 #include "system/path_names.h"
 #include "system/text.h"
+#include "ui/message_boxes.h"
+#include "ui/page_controls.h"
 
 // The story starts at the end of this file.
 
@@ -41,7 +40,7 @@ std::string HashPackageFile(const std::wstring& file) {
 // Downloads fail in this way when the manifest is older than what the sources offer.
 void RefreshManifest() {
   AppendLog(L"Downloading packages manifest");
-  if (FetchManifest() && LoadManifest(true) > 0) AppendLog(L"Packages manifest updated successfully");
+  if (FetchManifest().ok && LoadManifest() > 0) AppendLog(L"Packages manifest updated successfully");
 }
 
 // `hash` is empty when none was computed.
@@ -91,7 +90,7 @@ void OnTransferError(PackageDownload& download, const std::string& source, const
   const std::wstring description = GetErrorText(result.error);
   if (!description.empty()) AppendLog(L"Error message: " + description);
 
-  if (result.error == kErrorNameNotResolved) {
+  if (result.error == ERROR_INTERNET_NAME_NOT_RESOLVED) {
     ShowConnectionHint();
   } else if (result.error == ERROR_FILE_CORRUPT || result.error == ERROR_DISK_CORRUPT) {
     ShowCorruptDiskMessage();
@@ -153,12 +152,8 @@ SourceOutcome TrySources(PackageDownload& download) {
 }
 
 void WriteStatRecord(const PackageDownload& download) {
-  const FileHandle file(CreateFileW(StatRecordPath(download.file).c_str(), FILE_GENERIC_WRITE, FILE_SHARE_WRITE,
-                                    nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_HIDDEN, nullptr));
-  if (!file) return;
-  const std::string record = FormatStatRecord(download.size, download.package.md5);
-  DWORD written = 0;
-  WriteFile(file.Get(), record.data(), static_cast<DWORD>(record.size()), &written, nullptr);
+  WriteWholeFile(StatRecordPath(download.file), FormatStatRecord(download.size, download.package.md5),
+                 FILE_ATTRIBUTE_HIDDEN);
 }
 
 // Whether the file that is there was begun for exactly this package.
@@ -201,7 +196,7 @@ DownloadOutcome OnDone(const PackageDownload& download) {
 
 DownloadOutcome OnAllSourcesFailed(const Package& package, uint32_t error) {
   if (AskToTryAgain(STR_DOWNLOAD_ERROR, package, error)) return DownloadOutcome::FailedRetry;
-  app.cancelRequested = true;
+  app.cancelRequested.Utter();
   OfferExit();
   return DownloadOutcome::FailedStop;
 }

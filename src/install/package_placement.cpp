@@ -2,20 +2,24 @@
 
 #include <windows.h>
 
+#include <cstdlib>
 #include <optional>
 
-#include "app/context.h"
-#include "app/page_controls.h"
+#include "core/context.h"
+#include "core/localization.h"
+#include "install/browse_for_path.h"
+#include "install/game_paths.h"
 #include "install/install_task.h"
 #include "install/package_download.h"
+#include "install/package_texts.h"
 #include "install/run_display.h"
-#include "install/task_text.h"
-#include "install/verify_list.h"
 #include "install/zip_extraction.h"
-#include "manifest/placeholders.h"
+#include "net/telemetry_reports.h"
 #include "system/files.h"
 #include "system/path_names.h"
 #include "system/text.h"
+#include "ui/message_boxes.h"
+#include "ui/page_controls.h"
 
 namespace {
 
@@ -39,6 +43,26 @@ std::optional<std::wstring> FindUnsafePath(const Package& package) {
   return std::nullopt;
 }
 
+// The known path, or what the user picks for it; empty when there is neither.
+std::wstring KnownOrPicked(const std::wstring& known, BrowseMode mode) {
+  if (known.empty() && !BrowseForPath(app.mainWindow, mode)) return {};
+  return known;
+}
+
+// The folder that a package's `folder` stands for: a known game's folder, which the user may be asked for, or a special
+// folder of Windows; empty when it can't be resolved.
+std::wstring ResolveFolderPlaceholder(const std::string& folder) {
+  DetectGameInstallations(true);
+  if (folder == "{mtasa_folder}") return KnownOrPicked(gamePaths.mtaFolder, BrowseMode::MtaExecutable);
+  if (folder == "{mtasa_cache_folder}") return KnownOrPicked(gamePaths.mtaCacheFolder, BrowseMode::MtaCacheFolder);
+  if (folder == "{gtasa_folder}") return KnownOrPicked(gamePaths.gtaFolder, BrowseMode::GtaExecutable);
+  if (folder.starts_with('{') && folder.ends_with('}')) {
+    const long csidl = std::strtol(folder.c_str() + 1, nullptr, 10);
+    if (csidl != 0) return SpecialFolder(static_cast<int>(csidl));
+  }
+  return {};
+}
+
 PlacementResult CopyToTarget(const Installation& run, const Package& package, const std::wstring& target) {
   if (const uint32_t error = CreateDirectories(target)) {
     AppendLog(L"[ERROR] Unable to create folder (" + std::to_wstring(error) + L") (" + target + L")");
@@ -53,6 +77,27 @@ PlacementResult CopyToTarget(const Installation& run, const Package& package, co
 PlacementResult PlaceFiles(Installation& run, const Package& package, const std::wstring& target) {
   if (package.filetype == kInstallerType) return {};
   return package.filetype == kZipType ? ExtractZip(run, package, target) : CopyToTarget(run, package, target);
+}
+
+void TellWhatIsMissing(const std::wstring& path) {
+  const std::wstring text = LoadLocalizedString(STR_COMPONENT_FAILED) + L"\n\n" +
+                            LoadLocalizedString(STR_REQUIRED_FILE_MISSING) + L":\n" + path + L"\n\n" +
+                            LoadLocalizedString(STR_OTHER_PROGRAM_HINT);
+  ShowBox(text, LoadLocalizedString(STR_ERROR), MB_ICONERROR);
+}
+
+// Whether everything that the package's `verify` names exists below `target`. At the first thing missing it tells the
+// user and the run's error records.
+PlacementResult CheckVerifyList(Installation& run, const Package& package, const std::wstring& target) {
+  for (const std::string& piece : SplitTaskText(package.verify)) {
+    const std::wstring path = JoinPath(target, WidenBytes(piece));
+    if (IsDirectory(path) || PathExists(path)) continue;
+    const DWORD error = GetLastError();
+    run.errorRecords += VerifyFailedRecord(package.filename, error, path);
+    TellWhatIsMissing(path);
+    return {.error = error};
+  }
+  return {.ok = true};
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "install/installation.h"
-#include "install/placement_result.h"
 #include "manifest/manifest_model.h"
 
 // The folder that the package goes into; empty when there is none. A folder below the installation folder is created;

@@ -29,8 +29,9 @@ extern TransferStatus& transferStatus;
 void OnDownloadProgress(DownloadProgress* progress);
 void OnHashProgress(HashProgress* progress);
 
-// The one-second timer of the main window. The worker arms and stops it; both wait until the window's thread has done
-// so, and do nothing without a window. OnSpeedTimer, its procedure, refreshes the speed line on the UI thread.
+// The one-second timer of the main window. The worker has it armed and stopped by the window's thread, to which it
+// belongs, and goes on when that has been done. OnSpeedTimer, its procedure, refreshes the speed line on that thread.
 void ArmSpeedTimer();
 void StopSpeedTimer();
+void OnSpeedTimerRequest(bool arm);  // kSpeedTimerMessage
 void CALLBACK OnSpeedTimer(HWND window, UINT message, UINT_PTR id, DWORD time);

@@ -4,16 +4,17 @@
 
 #include <algorithm>
 
-#include "app/context.h"
-#include "app/localization.h"
-#include "app/page_controls.h"
-#include "install/entry_names.h"
+#include "core/context.h"
+#include "core/localization.h"
 #include "install/package_download.h"
+#include "install/package_texts.h"
 #include "install/run_display.h"
 #include "install/zip_archive.h"
 #include "system/files.h"
 #include "system/handles.h"
 #include "system/path_names.h"
+#include "system/text.h"
+#include "ui/page_controls.h"
 
 namespace {
 
@@ -40,11 +41,6 @@ struct CurrentEntry {
   uint64_t size = 0;
   std::wstring label;
 };
-
-uint32_t Percentage(uint64_t part, uint64_t whole) {
-  const double percentage = static_cast<double>(part) * 100 / static_cast<double>(whole);
-  return static_cast<uint32_t>(std::min<double>(percentage, UINT32_MAX));
-}
 
 // `what` may hold a name from the archive, which must not write lines of its own into the log.
 void Fault(Extraction& x, std::wstring what) {
@@ -87,7 +83,7 @@ uint64_t CopyEntry(Extraction& x, const CurrentEntry& entry, HANDLE file) {
       break;
     }
     if (app.cancelRequested) break;
-    if (const uint32_t percentage = Percentage(entryWritten, entry.size); percentage != lastPercentage) {
+    if (const uint32_t percentage = PercentOf(entryWritten, entry.size); percentage != lastPercentage) {
       lastPercentage = percentage;
       ShowPercentage(entry, percentage);
       ShowTotal(x);
@@ -185,7 +181,7 @@ PlacementResult ExtractZip(Installation& run, const Package& package, const std:
   UnpackEntries(x);
 
   const bool complete = IsComplete(x);
-  run.packageStats[package.filename].extracted = x.upsize != 0 ? Percentage(x.written, x.upsize) : complete ? 100 : 0;
+  run.packageStats[package.filename].extracted = x.upsize == 0 && complete ? 100 : PercentOf(x.written, x.upsize);
   if (!complete) {
     run.errorRecords += IncompleteExtractionRecord(package.filename, x.error, x.zipResult, x.written, x.upsize);
   }

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "install/installation.h"
-#include "install/placement_result.h"
 #include "manifest/manifest_model.h"
 
 // Unpacks into `target`, over what is there, until app.cancelRequested is set. Ok when at least 99 % of the package's

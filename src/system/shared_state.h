@@ -3,9 +3,11 @@
 
 #include <atomic>
 #include <memory>
+#include <stop_token>
 #include <utility>
 
-// One word. Reads and writes are relaxed: readers poll it, nothing else is ordered by it.
+// One word. Reads and writes are relaxed: readers poll it, nothing else is ordered by it, so it must not tell that
+// other data is ready.
 template <typename T>
 class SharedWord {
  public:
@@ -31,4 +33,16 @@ class SharedValue {
 
  private:
   std::atomic<std::shared_ptr<const T>> value_{std::make_shared<const T>()};
+};
+
+// The wish to stop, uttered once and never taken back. It can be polled, and who waits for something else is woken by
+// it.
+class StopWish {
+ public:
+  void Utter() { source_.request_stop(); }
+  operator bool() const { return source_.stop_requested(); }
+  std::stop_token Token() const { return source_.get_token(); }
+
+ private:
+  std::stop_source source_;
 };

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/context.h"
+#include "core/context.h"
 #include "install/installation.h"
 #include "manifest/manifest_model.h"
 #include "support/scripted_server.h"

@@ -12,10 +12,10 @@
 #include <thread>
 #include <vector>
 
-#include "app/context.h"
 #include "app/main_window.h"
-#include "app/page_controls.h"
 #include "app/pages.h"
+#include "core/context.h"
+#include "ui/page_controls.h"
 
 inline std::wstring TextOf(HWND window) {
   std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');

@@ -1,6 +1,6 @@
 #include "net/http_client.h"
 
-#include "net/network_errors.h"
+#include "net/http_result.h"
 #include "support/install_scenario.h"
 #include "support/wininet_faults.h"
 #include "support/zip_builder.h"
@@ -25,7 +25,7 @@ class Http : public InstallScenario {
   }
 
   const std::string content_ = TestBytes(10000);
-  HttpClient client_;
+  HttpClient client_{app.userAgent};
 };
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <regex>
 
-#include "net/form_encoding.h"
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
 #include "support/test_manifest.h"
@@ -27,7 +26,7 @@ class InstallationRunTest : public InstallScenario {
   static void Install(const Texts& filenames, const std::string& manifest) {
     LoadTestManifest(manifest);
     app.installList.Set(filenames);
-    app.cancelRequested = false;
+    app.cancelRequested = StopWish();
     RunInstallation();
   }
 

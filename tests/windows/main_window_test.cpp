@@ -1,9 +1,9 @@
 // The main window with its menu and its pages.
 #include "app/main_window.h"
 
-#include "app/localization.h"
+#include "app/component_list.h"
 #include "app/main_menu.h"
-#include "manifest/component_list.h"
+#include "core/localization.h"
 #include "support/shell_recorder.h"
 #include "support/test_manifest.h"
 #include "support/test_window.h"
@@ -15,7 +15,6 @@ using Names = std::vector<std::string>;
 class MainWindow : public testing::Test {
  protected:
   MainWindow() {
-    app.upward.buildMainMenu = BuildMainMenu;
     LoadTestManifest(R"(<downloader>
       <sources default="us"><source key="us" title="Salt &amp; Pepper"/><source key="eu" title="Europe"/></sources><packages>
       <package><filename value="z"/><default value="true"/><size value="3000"/><upsize value="7000"/></package>
@@ -23,8 +22,10 @@ class MainWindow : public testing::Test {
       <package><filename value="n"/><upsize value="77"/></package>
       <package><filename value="t"/><default value="true"/><size value="500"/><upsize value="1000"/></package>
       </packages></downloader>)");
-    PopulateComponentList();
+    Populate();
   }
+
+  void Populate() const { window_.Run(PopulateComponentList); }
 
   LRESULT Send(UINT message, WPARAM wParam, LPARAM lParam) const {
     return SendMessageW(window_.Window(), message, wParam, lParam);
@@ -45,7 +46,7 @@ TEST_F(MainWindow, TotalFollowsTheCheckBoxes) {
   window_.Run([] { CheckOnlyComponent(2); });
   EXPECT_EQ(Total(), L"") << "nothing to download, though something to install";
   app.installList.Set({"b", "unknown", "n"});
-  PopulateComponentList();
+  Populate();
   EXPECT_EQ(CheckedComponents(), (Names{"b", "n"})) << "the command line overrides the defaults";
 }
 
@@ -53,7 +54,7 @@ TEST_F(MainWindow, ShowsTitlesHintsAndCommands) {
   LoadTestManifest(
       "<downloader><packages><package><filename value='q'/><title>\xD0\x96</title>"
       "<tooltip>Hint</tooltip></package></packages></downloader>");
-  PopulateComponentList();
+  Populate();
   const HWND list = window_.Components().itemsView;
   wchar_t text[64] = L"";
   ListView_GetItemText(list, 0, 0, text, 64);

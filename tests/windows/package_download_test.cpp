@@ -1,23 +1,20 @@
 #include "install/package_download.h"
 
-#include "install/source_attempt.h"
-#include "net/network_errors.h"
+#include "install/transfer_status.h"
 #include "support/box_recorder.h"
-#include "support/exchanged.h"
 #include "support/install_scenario.h"
 #include "support/wininet_faults.h"
 #include "system/text.h"
 
-static int pauses;
-static void CountPause() { ++pauses; }
-
 class PackageDownloadTest : public InstallScenario {
  protected:
+  PackageDownloadTest() { run_.retryRules.pauseMs = 0; }
+
   // Downloads the package as if for the first time in a run, but with what is in the folder.
   DownloadOutcome Download() {
     run_.errorRecords.clear();
     requestsBefore_ = server_.Requests().size();
-    pauses = 0;
+    transferStatus.retryCount = 0;
     return DownloadPackage(run_, package_, 0, 1);
   }
   // What the last request of that asked for.
@@ -29,7 +26,6 @@ class PackageDownloadTest : public InstallScenario {
   }
 
   size_t requestsBefore_ = 0;
-  const Exchanged<void (*)()> pause_{pauseBeforeRetry, CountPause};
 };
 
 TEST_F(PackageDownloadTest, KeepsResumesOrReplacesWhatIsThere) {
@@ -54,19 +50,19 @@ TEST_F(PackageDownloadTest, KeepsResumesOrReplacesWhatIsThere) {
 TEST_F(PackageDownloadTest, TheSelectedSourceIsTriedFirstThenTheOthersInOrder) {
   const std::string missing = "http://zendora.example/missing";
   package_.sources = {{"a", missing}, {"main", missing}, {"b", "https://zendora.example/fox"}};
-  const SendFaults faults({0, 0, kErrorSecureChannel});
+  const SendFaults faults({0, 0, ERROR_INTERNET_SECURITY_CHANNEL_ERROR});
   EXPECT_EQ(Download(), DownloadOutcome::Done);
   EXPECT_EQ(run_.errorRecords, "\r\npackage=fox&source=main&code=404&size=0\r\npackage=fox&source=a&code=404&size=0");
 }
 
 TEST_F(PackageDownloadTest, TheUserIsToldWhyTheLastSourceFailed) {
   const DWORD authority = ERROR_INTERNET_INVALID_CA;  // asked once more, with other options
-  const std::tuple<const char*, std::deque<DWORD>, std::string, int> cases[] = {
-      {"https", {kErrorSecureChannel, kErrorCannotConnect}, "12029", 0},
-      {"http", {kErrorSecureChannel}, "12157", 0},
+  const std::tuple<const char*, std::deque<DWORD>, std::string, uint32_t> cases[] = {
+      {"https", {ERROR_INTERNET_SECURITY_CHANNEL_ERROR, ERROR_INTERNET_CANNOT_CONNECT}, "12029", 0},
+      {"http", {ERROR_INTERNET_SECURITY_CHANNEL_ERROR}, "12157", 0},
       {"http", {authority, authority}, "12045", 0},
-      {"http", std::deque<DWORD>(61, kErrorCannotConnect), "12029", 60},
-      {"http", {kErrorTimeout, 12018}, "12018", 1},
+      {"http", std::deque<DWORD>(61, ERROR_INTERNET_CANNOT_CONNECT), "12029", 60},
+      {"http", {ERROR_INTERNET_TIMEOUT, 12018}, "12018", 1},
   };
   for (const auto& [scheme, sendErrors, error, retries] : cases) {
     const BoxRecorder boxes({IDYES});
@@ -74,7 +70,7 @@ TEST_F(PackageDownloadTest, TheUserIsToldWhyTheLastSourceFailed) {
     package_.sources["main"] = scheme + std::string("://zendora.example/fox");
     EXPECT_EQ(Download(), DownloadOutcome::FailedRetry);
     EXPECT_EQ(run_.errorRecords, "\r\npackage=fox&source=main&code=0&error=" + error + "&size=0");
-    EXPECT_EQ(pauses, retries) << error;
+    EXPECT_EQ(transferStatus.retryCount, retries) << error;
     EXPECT_EQ(boxes.Boxes().at(0).text, L"There was an error during download\n\nPackage: The Fox\n\nError code: " +
                                             WidenBytes(error) + L"\n\nWould you like to try again?");
   }

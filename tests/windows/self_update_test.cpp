@@ -1,17 +1,17 @@
-#include "net/self_update.h"
+#include "update/self_update.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
 
 #include <thread>
 
-#include "app/context.h"
-#include "app/replaced_program.h"
+#include "core/context.h"
 #include "support/replaced_import.h"
 #include "support/shell_recorder.h"
 #include "support/temp_folder.h"
 #include "support/test_window.h"
 #include "system/files.h"
+#include "update/replaced_program.h"
 
 extern "C" {
 extern decltype(&CopyFileW) importedCopyFile __asm__("__imp__CopyFileW@12");

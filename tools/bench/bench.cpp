@@ -17,9 +17,8 @@
 #include <string>
 #include <vector>
 
-#include "app/context.h"
-#include "app/page_controls.h"
-#include "install/entry_names.h"
+#include "core/context.h"
+#include "install/package_texts.h"
 #include "install/zip_extraction.h"
 #include "net/crack_url.h"
 #include "net/file_hash.h"
@@ -29,6 +28,7 @@
 #include "system/handles.h"
 #include "system/path_names.h"
 #include "system/text.h"
+#include "ui/page_controls.h"
 #include "window/installer_window.h"
 
 #include <iowin32.h>  // after unzip.h, whose types it uses

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "app/context.h"
+#include "core/context.h"
 
 // Asks again every few milliseconds until the condition holds; false when it doesn't within the limit.
 bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit = std::chrono::seconds(20));

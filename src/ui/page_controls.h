@@ -1,0 +1,39 @@
+// The controls of the two pages that other threads write to, and the log.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "ui/controls.h"
+
+struct ComponentsPageControls {
+  explicit ComponentsPageControls(HWND parent);
+
+  Label installPathLabel;
+  TextEdit installPathEdit;
+  PushButton selectFolderButton;
+  Label componentsLabel;
+  HWND itemsView;  // list view; its rows belong to app/component_list.h
+  FontHandle itemsViewFont;
+  Label totalSizeLabel;
+  PushButton installButton;
+};
+
+struct InstallPageControls {
+  explicit InstallPageControls(HWND parent);
+
+  Label packageLabel;
+  ProgressBar packageProgress;
+  Label packageDetailLabel;
+  Label totalLabel;
+  ProgressBar totalProgress;
+  Label totalDetailLabel;
+  TextEdit logEdit;
+  CheckBox deleteTmpCheckbox;
+  PushButton cancelButton;
+};
+
+// Appends one line to the log of the installation page; nothing while there is no such page. The user's selection
+// in the log stays. Called by the worker.
+void AppendLog(const std::wstring& text);
