@@ -30,11 +30,11 @@ target_link_libraries(windows_tests PRIVATE zendora gtest ws2_32)
 
 file(GLOB program_tests CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/program/*.cpp)
 set(support_dir ${CMAKE_SOURCE_DIR}/tests/support)
-set(installer_window ${CMAKE_SOURCE_DIR}/tools/window/installer_window.cpp)
+set(installer_window ${CMAKE_SOURCE_DIR}/tests/support/installer_window.cpp)
 add_executable(program_tests ${program_tests} ${installer_window}
   ${support_dir}/scripted_server.cpp ${support_dir}/temp_folder.cpp ${support_dir}/zip_builder.cpp)
 set_project_options(program_tests)
-target_include_directories(program_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR}/tools)
+target_include_directories(program_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(program_tests PRIVATE zendora gtest_main ws2_32)
 add_dependencies(program_tests ZendoraInstaller)
 
@@ -45,12 +45,12 @@ target_link_options(demo_setup_program PRIVATE -municode)
 add_executable(drive_installer ${CMAKE_SOURCE_DIR}/tools/demo/drive_installer.cpp
   ${installer_window})
 set_project_options(drive_installer)
-target_include_directories(drive_installer PRIVATE ${CMAKE_SOURCE_DIR}/tools)
+target_include_directories(drive_installer PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(drive_installer PRIVATE zendora_text)
 
 add_executable(bench ${CMAKE_SOURCE_DIR}/tools/bench/bench.cpp ${installer_window})
 set_project_options(bench)
-target_include_directories(bench PRIVATE ${CMAKE_SOURCE_DIR}/tools)
+target_include_directories(bench PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(bench PRIVATE zendora psapi)
 
 # Each build makes by default what is run with it: the in-process tests need the library's assertions, the rest the

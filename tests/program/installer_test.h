@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "program/installer_process.h"
+#include "support/installer_window.h"
 #include "support/scripted_server.h"
 #include "support/temp_folder.h"
 #include "support/zip_builder.h"
-#include "window/installer_window.h"
 
 inline constexpr char kZipType[] = "application/x-zip-compressed";
 

@@ -1,4 +1,4 @@
-// One measurement a call, for tools/bench.sh, which makes what is measured and puts the figures side by side. Prints
+// One measurement a call, for bench.sh, which makes what is measured and puts the figures side by side. Prints
 // numbers: seconds, or for memory mebibytes.
 //   bench download URL FILE        the program's client, then a bare WinINet loop with the same chunk
 //   bench hash FILE                the program's MD5
@@ -23,13 +23,12 @@
 #include "net/crack_url.h"
 #include "net/file_hash.h"
 #include "net/http_client.h"
-#include "net/http_request.h"
+#include "support/installer_window.h"
 #include "system/files.h"
 #include "system/handles.h"
 #include "system/path_names.h"
 #include "system/text.h"
 #include "ui/page_controls.h"
-#include "window/installer_window.h"
 
 #include <iowin32.h>  // after unzip.h, whose types it uses
 
@@ -79,7 +78,7 @@ void DownloadBare(const std::wstring& url, const std::wstring& path) {
 void IgnoreProgress(DownloadProgress*) {}
 
 void MeasureDownload(const std::wstring& url, const std::wstring& path) {
-  HttpClient client;
+  HttpClient client(L"bench");
   client.SetGzipEnabled(false);
   const double program = SecondsOf([&] {
     if (client.DownloadToFile(url, path, 0, IgnoreProgress).received == 0) GiveUp("the download");

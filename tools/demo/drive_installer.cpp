@@ -13,8 +13,8 @@
 #include <string>
 #include <string_view>
 
+#include "support/installer_window.h"
 #include "system/text.h"
-#include "window/installer_window.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Runs a command with what tests need to see a machine fail. Inside the private network and tools/with-wine.sh only.
+# Runs a command with what tests need to see a machine fail. Inside the private network and tools/harness/with-wine.sh only.
 #   C:\full          a disk of one and a half megabytes
 #   C:\locked        a disk that can't be written to; a copy of the program is on it
 #   C:\link          while a file "down" is in this folder, the network is gone, as with a pulled cable; the file
 #                    "is-down" tells that it is
-#   tools/faulty-machine.sh COMMAND [ARGUMENT...]
-source "$(dirname "$0")/common.sh"
-[ "${ZENDORA_PRIVATE_NETWORK:-}" = inside ] || die "this runs inside tools/private-network.sh only"
+#   tools/harness/faulty-machine.sh COMMAND [ARGUMENT...]
+source "$(dirname "$0")/../common.sh"
+[ "${ZENDORA_PRIVATE_NETWORK:-}" = inside ] || die "this runs inside tools/harness/private-network.sh only"
 
 drive=$WINEPREFIX/drive_c
 mkdir -p "$drive/full" "$drive/locked" "$drive/link"

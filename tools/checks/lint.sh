@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Reads the sources for faults without running them.
-#   tools/lint.sh [CHECK...]    each of format, cppcheck, tidy, shell, includes; all of them by default
+#   tools/checks/lint.sh [CHECK...]    each of format, cppcheck, tidy, shell, includes; all of them by default
 # tidy takes the compiler's command lines from the builds "native" and "release".
 # shellcheck disable=SC2317 # the checks are called by their names
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$0")/../common.sh"
 cd "$root"
 
 mapfile -t sources < <(find src tests tools \( -name '*.cpp' -o -name '*.h' \) | sort)
@@ -46,7 +46,7 @@ check_shell() {
 }
 
 check_includes() {
-  tools/check-includes
+  tools/checks/check-includes
 }
 
 failed=0

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Runs a command with a fresh copy of this project's Wine prefix, so that nothing an earlier run left can matter.
-#   tools/with-wine.sh COMMAND [ARGUMENT...]
+#   tools/harness/with-wine.sh COMMAND [ARGUMENT...]
 # ZENDORA_PREFIX names the folder for the copy, which then stays; an old one is replaced.
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$0")/../common.sh"
 
 prefix=${ZENDORA_PREFIX:-$build/prefixes/$$}
 clean_up() {

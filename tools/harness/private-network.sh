@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Runs a command in a network of its own: nothing but a loopback interface, on which zendora.example lives and every
 # port is free. What runs inside can't reach anything outside, and nothing outside sees it.
-#   tools/private-network.sh COMMAND [ARGUMENT...]
-source "$(dirname "$0")/common.sh"
+#   tools/harness/private-network.sh COMMAND [ARGUMENT...]
+source "$(dirname "$0")/../common.sh"
 
 if [ "${ZENDORA_PRIVATE_NETWORK:-}" != inside ]; then
   rights=()

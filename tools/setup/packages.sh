@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and running need. Skips everything when all are there.
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$0")/../common.sh"
 
 packages=(
   # the cross compiler and the build

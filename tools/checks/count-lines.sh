@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Prints how much of the code is tests. Blank lines and comments don't count.
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$0")/../common.sh"
 cd "$root"
 
 lines_of() {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The demo without a desktop: pictures of the pages in every language, and an installation of everything. Ends with
 # status 0 only if everything that the manifest promised is there with the right content. Called by ./run.
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$0")/../common.sh"
 
 program=$build/release/ZendoraInstaller.exe
 output=$build/run
@@ -99,6 +99,6 @@ printf '\nWhat the server was asked for:\n'
 sed 's/^/  /' "$output/access.log"
 printf '\nInstalled:\n'
 status=0
-"$root/tools/demo-site" check "$WINEPREFIX/drive_c" "$output/registry.txt" || status=1
+"$root/tools/demo/demo-site" check "$WINEPREFIX/drive_c" "$output/registry.txt" || status=1
 printf '\nPictures: %s/*.png\n' "$output"
 exit $status

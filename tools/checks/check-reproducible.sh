@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the program once more, from a copy of the sources in another folder, and compares it with build/release byte
 # for byte.
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$0")/../common.sh"
 
 copy=$build/reproducible/a-folder-of-another-name
 rm -rf "$build/reproducible"

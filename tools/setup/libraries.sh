@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Fetches the sources of the libraries into build/deps. The build compiles them with the program, with its own
 # flags; nothing of them enters the repository.
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$0")/../common.sh"
 
 # Name of the source package, and the version that its unpacked folder ends with (but for "+dfsg").
 libraries=(zlib=1.3.1 tinyxml2=11.0.0 googletest=1.16.0)

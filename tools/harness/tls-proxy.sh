@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Runs a command with port 443 answering for port 80, through TLS with a self-signed certificate. Inside the private
 # network only.
-#   tools/tls-proxy.sh COMMAND [ARGUMENT...]
-source "$(dirname "$0")/common.sh"
+#   tools/harness/tls-proxy.sh COMMAND [ARGUMENT...]
+source "$(dirname "$0")/../common.sh"
 source "$(dirname "$0")/nginx.sh"
 
 folder=$(mktemp -d -p "$build" tls-proxy.XXXXXX)

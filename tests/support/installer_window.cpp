@@ -1,4 +1,4 @@
-#include "window/installer_window.h"
+#include "support/installer_window.h"
 
 #include <commctrl.h>
 

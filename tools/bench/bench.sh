@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # Measures the program beside the barest way to the same result, in one run, and prints ratios: how many times as long
 # (or as much) the program takes. Not part of the tests; on an otherwise idle machine it takes about five minutes.
-source "$(dirname "$0")/common.sh"
-source "$(dirname "$0")/nginx.sh"
+source "$(dirname "$0")/../common.sh"
+source "$(dirname "$0")/../harness/nginx.sh"
 
 if [ "${1:-}" != measure ]; then
   "$root/tools/setup.sh"
   "$root/tools/build.sh" release >/dev/null
-  exec "$root/tools/private-network.sh" "$root/tools/with-display.sh" "$0" measure
+  exec "$root/tools/harness/private-network.sh" "$root/tools/harness/with-display.sh" "$0" measure
 fi
 
 rounds=5

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Makes the Wine prefix in build/wine: 64-bit, Windows 10, with nothing of the user's own folders linked into it.
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$0")/../common.sh"
 
 [ -e "$wine_prefix/.complete" ] && exit 0
 

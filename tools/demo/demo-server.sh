@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Runs a command with the demo site (made by tools/demo-site) answering on ports 80 and 443. Inside the private network
+# Runs a command with the demo site (made by tools/demo/demo-site) answering on ports 80 and 443. Inside the private network
 # only. What was asked of it is in build/run/access.log, and each report that it got in build/run/reports.log.
-#   tools/demo-server.sh COMMAND [ARGUMENT...]
-source "$(dirname "$0")/common.sh"
-source "$(dirname "$0")/nginx.sh"
+#   tools/demo/demo-server.sh COMMAND [ARGUMENT...]
+source "$(dirname "$0")/../common.sh"
+source "$(dirname "$0")/../harness/nginx.sh"
 
 site=$build/demo/site
 mkdir -p "$build/run"
