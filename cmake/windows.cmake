@@ -13,9 +13,9 @@ target_link_libraries(zendora PUBLIC zendora_text minizip
   advapi32 comctl32 comdlg32 gdi32 ole32 rpcrt4 shell32 shlwapi user32 uuid)
 
 file(GLOB resource_parts CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/res/*)
-set_source_files_properties(${CMAKE_SOURCE_DIR}/res/installer.rc PROPERTIES OBJECT_DEPENDS "${resource_parts}")
+set_source_files_properties(${CMAKE_SOURCE_DIR}/res/installer.rc PROPERTIES OBJECT_DEPENDS "${resource_parts};${generated_dir}/version.h;${generated_dir}/installer.manifest")
 add_library(resources OBJECT ${CMAKE_SOURCE_DIR}/res/installer.rc)
-target_include_directories(resources PRIVATE ${CMAKE_SOURCE_DIR}/res)
+target_include_directories(resources PRIVATE ${CMAKE_SOURCE_DIR}/res ${generated_dir})
 
 add_executable(ZendoraInstaller WIN32 ${CMAKE_SOURCE_DIR}/src/app/main.cpp $<TARGET_OBJECTS:resources>)
 set_project_options(ZendoraInstaller)

@@ -23,7 +23,7 @@ BOOL CALLBACK HideChild(HWND child, LPARAM) {
 // Releases the wrappers and fonts of a page whose windows are gone. A thread that fills the page's controls may still
 // hold the page; then it stays, and what that thread sends reaches no window.
 template <typename PageControls>
-void ReleasePage(SharedWord<PageControls*>& page, const KernelHandle& writer) {
+void ReleasePage(PublishingWord<PageControls*>& page, const KernelHandle& writer) {
   PageControls* const old = page;
   page = nullptr;
   if (!IsThreadActive(writer)) delete old;

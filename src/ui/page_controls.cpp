@@ -4,6 +4,7 @@
 
 #include "core/context.h"
 #include "core/localization.h"
+#include "system/text.h"
 
 namespace {
 
@@ -107,7 +108,7 @@ void AppendLog(const std::wstring& text) {
   SendMessageW(log, EM_GETSEL, reinterpret_cast<WPARAM>(&selectionStart), reinterpret_cast<LPARAM>(&selectionEnd));
   const LRESULT end = SendMessageW(log, WM_GETTEXTLENGTH, 0, 0);
   SendMessageW(log, EM_SETSEL, static_cast<WPARAM>(end), end);
-  const std::wstring line = text + L"\r\n";
+  const std::wstring line = OneLine(text) + L"\r\n";
   SendMessageW(log, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(line.c_str()));
   SendMessageW(log, EM_SETSEL, selectionStart, static_cast<LPARAM>(selectionEnd));
 }

@@ -34,6 +34,6 @@ struct InstallPageControls {
   PushButton cancelButton;
 };
 
-// Appends one line to the log of the installation page; nothing while there is no such page. The user's selection
-// in the log stays. Called by the worker.
+// Appends one line, whatever control characters a name in it has, to the log of the installation page; nothing while
+// there is no such page. The user's selection in the log stays. Called by the worker.
 void AppendLog(const std::wstring& text);

@@ -13,6 +13,7 @@ class PackageDownloadTest : public InstallScenario {
   // Downloads the package as if for the first time in a run, but with what is in the folder.
   DownloadOutcome Download() {
     run_.errorRecords.clear();
+    run_.proven.clear();
     requestsBefore_ = server_.Requests().size();
     transferStatus.retryCount = 0;
     return DownloadPackage(run_, package_, 0, 1);
@@ -36,6 +37,7 @@ TEST_F(PackageDownloadTest, KeepsResumesOrReplacesWhatIsThere) {
       {"wrong", kOther, right, "all"},         {"too long", kFox + "!", right, "all"},
       {"other", half, "44|" + kFoxMd5, "all"}, {"without a record", kFox, "", "all"}};
   for (const auto& [what, file, record, requested] : cases) {
+    run_.proven.clear();
     WriteTestFile(file_, file);
     DeleteFileW(stat.c_str());  // it is hidden, and such a file can't be overwritten
     WriteTestFile(stat, record);

@@ -1,5 +1,6 @@
 #include "install/package_placement.h"
 
+#include "install/package_paths.h"
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
 #include "support/zip_builder.h"
@@ -76,13 +77,13 @@ TEST_F(PackagePlacementTest, FilesAreVerified) {
 }
 
 TEST_F(PackagePlacementTest, PathsThatLeaveTheirFolderAreRefused) {
-  EXPECT_TRUE(PathsStayInside(package_));
+  EXPECT_FALSE(FindUnsafePath(package_));
   for (const auto field :
        {&Package::filename, &Package::verify, &Package::install, &Package::link, &Package::execute}) {
     Package package = package_;
     package.*field = "../up|../up";
-    EXPECT_FALSE(PathsStayInside(package));
+    EXPECT_TRUE(FindUnsafePath(package));
   }
   package_.name = L"..\\other";
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), L"");
+  EXPECT_EQ(FindUnsafePath(package_), package_.name);
 }
