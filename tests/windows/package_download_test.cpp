@@ -84,3 +84,25 @@ TEST_F(PackageDownloadTest, UnsafeNamesAreRefused) {
   EXPECT_EQ(Download(), DownloadOutcome::FailedStop);
   EXPECT_EQ(Requested(), "nothing");
 }
+
+// A proxy that ends each answer early, as if it were over.
+TEST_F(PackageDownloadTest, AnswersThatAreCutShortAreGoneOnWith) {
+  ScriptedAnswer cut = Serving(kFox);
+  cut.closeAfter = 10;
+  server_.Answer("/fox", cut);
+  EXPECT_EQ(Download(), DownloadOutcome::Done);
+  EXPECT_EQ(ReadTestFile(file_), kFox);
+  EXPECT_EQ(server_.Requests().size(), 5u);
+  EXPECT_EQ(run_.errorRecords, "");
+}
+
+TEST_F(PackageDownloadTest, WhatWasProvenCantBeChanged) {
+  EXPECT_EQ(Download(), DownloadOutcome::Done);
+  EXPECT_TRUE(IsProven(run_, package_));
+  EXPECT_FALSE(DeleteFileW(file_.c_str()));
+  const FileHandle writable(CreateFileW(file_.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                        OPEN_EXISTING, 0, nullptr));
+  EXPECT_FALSE(writable);
+  package_.md5 = kOtherMd5;
+  EXPECT_FALSE(IsProven(run_, package_)) << "another version of the package";
+}
