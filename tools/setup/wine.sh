@@ -14,8 +14,10 @@ export WINEDLLOVERRIDES="mscoree=;mshtml="
 wineboot -i >"$log" 2>&1 || die "wineboot failed; see $log"
 wine winecfg -v win10 >>"$log" 2>&1 || die "winecfg failed; see $log"
 # The virtual display has no window manager. Asked for its help, Wine waits two seconds for it with each window that
-# closes.
-wine reg add 'HKCU\Software\Wine\AppDefaults\windows_tests.exe\X11 Driver' /v Managed /d N /f >>"$log" 2>&1
+# closes. (./run asks for one again on a desktop.)
+wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >>"$log" 2>&1
+# A program that crashes ends, with its stack on standard error, instead of waiting for somebody to read a dialog.
+wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >>"$log" 2>&1
 wineserver -k || true
 wineserver -w
 # Debian keeps Wine's fonts where its font loader doesn't look: without them dialogs and title bars are drawn, and texts
