@@ -6,13 +6,13 @@ packages=(
   # the cross compiler and the build
   g++ g++-mingw-w64-i686-posix binutils-mingw-w64-i686 cmake ninja-build dpkg-dev ca-certificates
   # the linters
-  clang-format clang-tidy cppcheck shellcheck
+  clang-format clang-tidy cppcheck shellcheck pylint cmake-format
   # Wine, with both word sizes and TLS for each
   wine wine64 wine32:i386 libgnutls30 libgnutls30:i386
   # a virtual display, and the means to photograph it
   xvfb xdotool imagemagick fonts-wine fonts-liberation fonts-dejavu-core
   # the demo site and its private network
-  nginx-light openssl iproute2 util-linux python3 zip unzip
+  nginx-light openssl iproute2 util-linux python3 zip unzip python3-pefile
 )
 
 all_installed() {
