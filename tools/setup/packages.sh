@@ -31,6 +31,19 @@ install_plainly() {
   apt update >"$log" 2>&1 && apt install --no-install-recommends "${packages[@]}" >>"$log" 2>&1
 }
 
+# Stepping packages back harms nobody in a container, or on a machine that works for nobody but root and without a
+# terminal. Whoever sits at a machine of his own is asked.
+may_step_back() {
+  if [ "${1:-}" = --yes ] || [ -e /run/.containerenv ] || [ -e /.dockerenv ]; then return 0; fi
+  if [ -t 0 ] && [ -t 2 ]; then
+    local answer
+    read -rp "Step packages of this machine back to the base suite of Debian, where that is needed? [y/N] " answer
+    [ "$answer" = y ]
+    return
+  fi
+  [ "$(id -u)" -eq 0 ]
+}
+
 # An index of one architecture that is out of step with its release file leaves the two architectures with
 # different candidate versions, which apt refuses to install beside each other. The base suite never moves, so
 # with it alone both agree; what is newer on the machine steps back where it must.
@@ -64,6 +77,9 @@ log=$build/setup-packages.log
 as_root true
 dpkg --print-foreign-architectures | grep -qx i386 || as_root dpkg --add-architecture i386
 if ! install_plainly; then
+  may_step_back "$@" ||
+    die "apt can't install the packages as they are (see $log). \"tools/setup.sh --yes\" lets it step newer ones back;" \
+      "the Containerfile puts them on a machine of its own"
   say "the package sources are out of step; installing from the base suite"
   install_from_base_suite || {
     tail -n 20 "$log" >&2
