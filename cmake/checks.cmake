@@ -1,4 +1,4 @@
-# What ./test checks beside the test programs, and the native tests of the other build. Whatever takes long is begun first.
+# What ./test checks beside the test programs, and the native tests of the other build. What takes long begins first.
 function(add_check name label)
   add_test(NAME ${label}.${name} COMMAND ${ARGN} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
   set_tests_properties(${label}.${name} PROPERTIES LABELS ${label} TIMEOUT 900)

@@ -5,7 +5,7 @@ execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=include/c++
 
 # clang finds the headers of Windows by itself; the standard library's are the cross compiler's.
 set(tidy_command clang-tidy --quiet
-  --extra-arg=--target=i686-w64-mingw32 --extra-arg=-Wno-unused-command-line-argument
+  --extra-arg=--target=i686-w64-mingw32 --extra-arg=-Wno-unused-command-line-argument --extra-arg=-Wreserved-identifier
   --extra-arg=-isystem${library_headers} --extra-arg=-isystem${library_headers}/i686-w64-mingw32)
 
 function(lint_target target)

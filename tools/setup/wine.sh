@@ -2,7 +2,8 @@
 # Makes the Wine prefix in build/wine: 64-bit, Windows 10, with nothing of the user's own folders linked into it.
 source "$(dirname "$0")/../common.sh"
 
-[ -e "$wine_prefix/.complete" ] && exit 0
+# A prefix that another version of this script made is made anew.
+cmp -s "$0" "$wine_prefix/.made-by" && exit 0
 
 say "making the Wine prefix"
 rm -rf "$wine_prefix"
@@ -30,4 +31,4 @@ find "$wine_prefix/drive_c/users" -type l | while read -r link; do
 done
 # Wine draws the buttons of title bars with this font, and looks for it only here.
 cp /usr/share/wine/fonts/marlett.ttf "$wine_prefix/drive_c/windows/Fonts/"
-touch "$wine_prefix/.complete"
+cp "$0" "$wine_prefix/.made-by"
