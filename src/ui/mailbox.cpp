@@ -26,15 +26,24 @@ void AppendToLog(HWND log, const std::wstring& lines) {
 
 template <typename Write>
 void Mailbox::Leave(HWND control, Write write) {
-  const HWND window = GetAncestor(control, GA_ROOT);
-  if (!window) return;
-  const bool onItsThread = GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId();
+  const bool onItsThread = GetWindowThreadProcessId(control, nullptr) == GetCurrentThreadId();
   {
     const std::lock_guard guard(lock_);
     write(notes_);
-    if (!onItsThread && woken_ != window && PostMessageW(window, kShowNotesMessage, FALSE, 0)) woken_ = window;
+    if (!onItsThread) Wake(control);
   }
   if (onItsThread) Show();
+}
+
+// A window that went without looking is told no more, and what lies here for it alone is thrown away.
+void Mailbox::Wake(HWND control) {
+  if (IsWindow(woken_)) return;
+  woken_ = GetAncestor(control, GA_ROOT);
+  if (!woken_) {
+    notes_ = {};
+  } else if (!PostMessageW(woken_, kShowNotesMessage, FALSE, 0)) {
+    woken_ = nullptr;
+  }
 }
 
 void Mailbox::LeaveText(HWND control, const std::wstring& text) {

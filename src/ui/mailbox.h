@@ -34,6 +34,7 @@ class Mailbox {
 
   template <typename Write>
   void Leave(HWND control, Write write);
+  void Wake(HWND control);
   void Show();
   static void CALLBACK ShowAfterRest(HWND window, UINT message, UINT_PTR id, DWORD time);
 
