@@ -19,6 +19,7 @@
 #include "install/browse_for_path.h"
 #include "install/transfer_status.h"
 #include "system/threads.h"
+#include "ui/mailbox.h"
 #include "ui/message_boxes.h"
 #include "ui/page_controls.h"
 #include "ui/theme/dark_menu_bar.h"
@@ -176,6 +177,9 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       return 0;
     case kSpeedTimerMessage:
       OnSpeedTimerRequest(wParam != FALSE);
+      return 0;
+    case kShowNotesMessage:
+      pageNotes.OnMessage(window, wParam);
       return 0;
     case WM_COPYDATA:
       OnForwardedCommandLine(wParam, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));

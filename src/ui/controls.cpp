@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "ui/mailbox.h"
+
 FontHandle ChangeFontHeight(HWND window, int height) {
   auto current = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
   if (!current) current = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
@@ -27,7 +29,7 @@ Control::Control(HWND parent, const wchar_t* windowClass, const std::wstring& te
 
 void Control::SetPlace(const Place& place) const { PlaceWindow(window_, place); }
 
-void Control::SetText(const std::wstring& text) const { SetWindowTextW(window_, text.c_str()); }
+void Control::SetText(const std::wstring& text) const { pageNotes.LeaveText(window_, text); }
 
 void Control::SetFontHeight(int height) { font_ = ChangeFontHeight(window_, height); }
 
@@ -82,7 +84,7 @@ void ProgressBar::PlaceAt(int y) const { SetPlace({10, y, 565, 18}); }
 void ProgressBar::SetPosition(int position) {
   if (position == lastPosition_) return;
   lastPosition_ = position;
-  SendMessageW(Window(), PBM_SETPOS, static_cast<WPARAM>(position), 0);
+  pageNotes.LeavePosition(Window(), position);
 }
 
 int ProgressPosition(uint64_t done, uint64_t total) {

@@ -1,5 +1,6 @@
-// The wrappers through which all threads change the controls of the main window. Each sends window messages and
-// returns when the UI thread has handled them. A wrapper owns its font, not the window, which dies with its parent.
+// The wrappers of the main window's controls. Any thread may set texts and positions: it leaves them in the mailbox of
+// the window (ui/mailbox.h) and goes on. All else belongs to the UI thread. A wrapper owns its font, not the window,
+// which dies with its parent.
 #pragma once
 
 #include <windows.h>
@@ -79,7 +80,7 @@ class ProgressBar : public Control {
   explicit ProgressBar(HWND parent);
   // 565 x 18 pixels at x = 10.
   void PlaceAt(int y) const;
-  // Sends nothing when the position is the last one sent.
+  // Does nothing when the position is the last one set.
   void SetPosition(int position);
 
  private:

@@ -5,6 +5,7 @@
 #include "core/context.h"
 #include "core/localization.h"
 #include "system/text.h"
+#include "ui/mailbox.h"
 
 namespace {
 
@@ -101,14 +102,5 @@ InstallPageControls::InstallPageControls(HWND parent)
 }
 
 void AppendLog(const std::wstring& text) {
-  const InstallPageControls* page = app.installPage;
-  if (!page) return;
-  const HWND log = page->logEdit.Window();
-  DWORD selectionStart = 0, selectionEnd = 0;
-  SendMessageW(log, EM_GETSEL, reinterpret_cast<WPARAM>(&selectionStart), reinterpret_cast<LPARAM>(&selectionEnd));
-  const LRESULT end = SendMessageW(log, WM_GETTEXTLENGTH, 0, 0);
-  SendMessageW(log, EM_SETSEL, static_cast<WPARAM>(end), end);
-  const std::wstring line = OneLine(text) + L"\r\n";
-  SendMessageW(log, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(line.c_str()));
-  SendMessageW(log, EM_SETSEL, selectionStart, static_cast<LPARAM>(selectionEnd));
+  if (const InstallPageControls* page = app.installPage) pageNotes.LeaveLine(page->logEdit.Window(), OneLine(text));
 }

@@ -35,5 +35,5 @@ struct InstallPageControls {
 };
 
 // Appends one line, whatever control characters a name in it has, to the log of the installation page; nothing while
-// there is no such page. The user's selection in the log stays. Called by the worker.
+// there is no such page. The user's selection in the log stays. Called by the worker, which doesn't wait (ui/mailbox.h).
 void AppendLog(const std::wstring& text);
