@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "app/component_list.h"
 #include "core/context.h"
 #include "core/localization.h"
 #include "system/threads.h"
@@ -27,6 +28,14 @@ void ReleasePage(PublishingWord<PageControls*>& page, const KernelHandle& writer
   PageControls* const old = page;
   page = nullptr;
   if (!IsThreadActive(writer)) delete old;
+}
+
+// Stays until the program ends, as nothing follows its page.
+Label* closingLabel = nullptr;
+
+void ArrangeClosingPage() {
+  closingLabel->SetFontHeight(22);
+  closingLabel->SetPlace({0, 0, 600, 400});
 }
 
 void RemoveCurrentPage() {
@@ -57,10 +66,17 @@ void ShowInstallPage() {
 void ShowClosingPage() {
   if (app.currentPage == ClosingPage) return;
   EnumChildWindows(app.mainWindow, HideChild, 0);
-  // Stays until the program ends, as nothing follows this page.
-  auto& closingLabel = *new Label(app.mainWindow, LoadLocalizedString(STR_CLOSING) + L"..", SS_CENTER | SS_CENTERIMAGE);
-  closingLabel.SetFontHeight(22);
-  closingLabel.SetPlace({0, 0, 600, 400});
+  closingLabel = new Label(app.mainWindow, LoadLocalizedString(STR_CLOSING) + L"..", SS_CENTER | SS_CENTERIMAGE);
+  ArrangeClosingPage();
   app.currentPage = ClosingPage;
   ThemeChildren(app.mainWindow);
+}
+
+void ArrangePage() {
+  if (ComponentsPageControls* const page = app.componentsPage) {
+    page->Arrange();
+    FitComponentList();
+  }
+  if (InstallPageControls* const page = app.installPage) page->Arrange();
+  if (app.currentPage == ClosingPage) ArrangeClosingPage();
 }

@@ -6,6 +6,7 @@
 #include "core/localization.h"
 #include "system/text.h"
 #include "ui/mailbox.h"
+#include "ui/scale.h"
 
 namespace {
 
@@ -35,11 +36,10 @@ HWND CreateItemsView(HWND parent) {
   const LPARAM behaviour = LVS_EX_FULLROWSELECT | LVS_EX_INFOTIP | LVS_EX_LABELTIP;
   SendMessageW(view, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, behaviour);
   SendMessageW(view, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_DOUBLEBUFFER, LVS_EX_DOUBLEBUFFER);
-  PlaceWindow(view, kItemsPlace);
 
   LVCOLUMNW column{};
   column.mask = LVCF_WIDTH;
-  column.cx = kItemsPlace.width;
+  column.cx = Scaled(kItemsPlace.width);
   SendMessageW(view, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
   AddPlaceholderRows(view);
   return view;
@@ -53,21 +53,26 @@ ComponentsPageControls::ComponentsPageControls(HWND parent)
       selectFolderButton(parent, {}),
       componentsLabel(parent, LoadLocalizedString(STR_COMPONENTS) + L":"),
       itemsView(CreateItemsView(parent)),
-      itemsViewFont(ChangeFontHeight(itemsView, kLineHeight)),
       totalSizeLabel(parent),
       installButton(parent, LoadLocalizedString(STR_INSTALL)) {
+  Arrange();
+  EnableWindow(installButton.Window(), FALSE);
+  if (!app.isAdmin) SendMessageW(installButton.Window(), BCM_SETSHIELD, 0, TRUE);
+}
+
+void ComponentsPageControls::Arrange() {
   installPathLabel.SetPlace(LineAt(10));
   installPathEdit.SetPlace({10, 31, 460, 21});
   selectFolderButton.PlaceAt(475, 30, 23);
   componentsLabel.SetPlace(LineAt(59));
+  PlaceWindow(itemsView, kItemsPlace);
+  itemsViewFont = ChangeFontHeight(itemsView, kLineHeight);
   totalSizeLabel.SetPlace(LineAt(360));
   installButton.PlaceAt(242, 386, 24);
   for (Control* line : {static_cast<Control*>(&installPathLabel), static_cast<Control*>(&installPathEdit),
                         static_cast<Control*>(&componentsLabel), static_cast<Control*>(&totalSizeLabel)}) {
     line->SetFontHeight(kLineHeight);
   }
-  EnableWindow(installButton.Window(), FALSE);
-  if (!app.isAdmin) SendMessageW(installButton.Window(), BCM_SETSHIELD, 0, TRUE);
 }
 
 InstallPageControls::InstallPageControls(HWND parent)
@@ -80,6 +85,12 @@ InstallPageControls::InstallPageControls(HWND parent)
       logEdit(parent, EDIT_LOG, {}, ES_MULTILINE | WS_VSCROLL),
       deleteTmpCheckbox(parent, LoadLocalizedString(STR_DELETE_TEMP_FILES), app.deleteTmpFiles),
       cancelButton(parent, LoadLocalizedString(STR_CANCEL)) {
+  Arrange();
+  SendMessageW(logEdit.Window(), EM_SETLIMITTEXT, kLogLimit, 0);
+  logEdit.Lock();
+}
+
+void InstallPageControls::Arrange() {
   packageLabel.SetPlace(LineAt(10));
   packageProgress.PlaceAt(31);
   packageDetailLabel.SetPlace(LineAt(54));
@@ -96,9 +107,6 @@ InstallPageControls::InstallPageControls(HWND parent)
   totalDetailLabel.SetFontHeight(kDetailHeight);
   logEdit.SetFontHeight(kLineHeight);
   deleteTmpCheckbox.SetFontHeight(kLineHeight);
-
-  SendMessageW(logEdit.Window(), EM_SETLIMITTEXT, kLogLimit, 0);
-  logEdit.Lock();
 }
 
 void AppendLog(const std::wstring& text) {

@@ -9,6 +9,8 @@
 
 struct ComponentsPageControls {
   explicit ComponentsPageControls(HWND parent);
+  // Places everything for the window's scale, which may have changed.
+  void Arrange();
 
   Label installPathLabel;
   TextEdit installPathEdit;
@@ -22,6 +24,8 @@ struct ComponentsPageControls {
 
 struct InstallPageControls {
   explicit InstallPageControls(HWND parent);
+  // Places everything for the window's scale, which may have changed.
+  void Arrange();
 
   Label packageLabel;
   ProgressBar packageProgress;
