@@ -20,16 +20,16 @@ add_foreign_library(gtest_main ${deps_dir}/googletest/googletest/include
   ${deps_dir}/googletest/googletest/src/gtest_main.cc)
 target_link_libraries(gtest_main PUBLIC gtest)
 
-if(WIN32)
-  set(zlib_sources adler32 compress crc32 deflate inffast inflate inftrees trees uncompr zutil)
-  list(TRANSFORM zlib_sources PREPEND ${deps_dir}/zlib/)
-  list(TRANSFORM zlib_sources APPEND .c)
-  add_foreign_library(zlib ${deps_dir}/zlib ${zlib_sources})
+set(zlib_sources adler32 compress crc32 deflate inffast inflate inftrees trees uncompr zutil)
+list(TRANSFORM zlib_sources PREPEND ${deps_dir}/zlib/)
+list(TRANSFORM zlib_sources APPEND .c)
+add_foreign_library(zlib ${deps_dir}/zlib ${zlib_sources})
 
-  set(minizip_dir ${deps_dir}/zlib/contrib/minizip)
-  # zip.c writes archives; only tests and benchmarks call it, and only they link it in.
-  add_foreign_library(minizip ${minizip_dir}
-    ${minizip_dir}/ioapi.c ${minizip_dir}/iowin32.c ${minizip_dir}/unzip.c ${minizip_dir}/zip.c)
+set(minizip_dir ${deps_dir}/zlib/contrib/minizip)
+# zip.c writes archives; only tests and benchmarks call it, and only they link it in.
+add_foreign_library(minizip ${minizip_dir} ${minizip_dir}/ioapi.c ${minizip_dir}/unzip.c ${minizip_dir}/zip.c)
+target_link_libraries(minizip PUBLIC zlib)
+if(WIN32)
+  target_sources(minizip PRIVATE ${minizip_dir}/iowin32.c)
   target_compile_definitions(minizip PRIVATE UNICODE _UNICODE)
-  target_link_libraries(minizip PUBLIC zlib)
 endif()
