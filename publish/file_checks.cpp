@@ -5,7 +5,7 @@
 
 #include "ascii.h"
 #include "checks.h"
-#include "install/entry_names.h"
+#include "install/package_texts.h"
 #include "package_types.h"
 #include "system/path_names.h"
 #include "system/text.h"

@@ -4,7 +4,7 @@
 
 #include "ascii.h"
 #include "checks.h"
-#include "install/registry_data.h"
+#include "install/package_texts.h"
 #include "system/path_names.h"
 #include "system/text.h"
 #include "task_paths.h"

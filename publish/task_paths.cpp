@@ -1,7 +1,7 @@
 #include "task_paths.h"
 
 #include "ascii.h"
-#include "install/task_text.h"
+#include "install/package_texts.h"
 
 namespace {
 
