@@ -10,19 +10,20 @@
 #include "findings.h"
 
 struct Description {
-  std::string file;      // on this machine
-  std::string filename;  // the identifier; empty: the file's own name
-  std::string title;     // empty: the file's name without its extension
-  std::string group, tooltip;
-  std::string name;      // empty, with no folder: the title
-  std::string folder;    // a placeholder
-  std::string filetype;  // empty: what the file looks like
+  std::string file = {};      // on this machine
+  std::string filename = {};  // the identifier; empty: the file's own name
+  std::string title = {};     // empty: the file's name without its extension
+  std::string group = {}, tooltip = {};
+  std::string name = {};      // empty, with no folder: the title
+  std::string folder = {};    // a placeholder
+  std::string filetype = {};  // empty: what the file looks like
   bool isDefault = false;
-  std::vector<std::string> verify;
-  std::map<std::string, std::string>
-      urls;  // by source key; an address that ends with "/" is completed with the filename
-  std::string install, installArguments, link, linkTitle, execute, executeArguments;  // paths in the package, and more
-  std::vector<std::string> addons;
+  std::vector<std::string> verify = {};
+  std::map<std::string, std::string> urls =
+      {};  // by source key; an address that ends with "/" is completed with the filename
+  std::string install = {}, installArguments = {}, link = {}, linkTitle = {}, execute = {},
+              executeArguments = {};  // paths in the package, and more
+  std::vector<std::string> addons = {};
 };
 
 struct DescribedPackage {
