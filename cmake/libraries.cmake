@@ -33,3 +33,16 @@ if(WIN32)
   target_sources(minizip PRIVATE ${minizip_dir}/iowin32.c)
   target_compile_definitions(minizip PRIVATE UNICODE _UNICODE)
 endif()
+
+# zendora-publish asks sites through libcurl: natively the system's, on Windows this one, which does nothing but HTTP over
+# the system's own TLS.
+if(WIN32)
+  set(curl_dir ${deps_dir}/curl)
+  file(GLOB_RECURSE curl_sources ${curl_dir}/lib/*.c)
+  add_foreign_library(curl ${curl_dir}/include ${curl_sources})
+  target_include_directories(curl PRIVATE ${curl_dir}/lib)
+  target_compile_definitions(curl PUBLIC CURL_STATICLIB
+    PRIVATE BUILDING_LIBCURL HTTP_ONLY CURL_DISABLE_AWS USE_SCHANNEL USE_WINDOWS_SSPI)
+  target_link_libraries(curl PUBLIC ws2_32 crypt32 bcrypt secur32 advapi32)
+  set_target_properties(curl PROPERTIES EXCLUDE_FROM_ALL ON)
+endif()

@@ -4,13 +4,11 @@
 #include <iostream>
 
 #include "address.h"
+#include "check_site.h"
 #include "fill.h"
 #include "package_types.h"
 #include "terminal.h"
 #include "updater.h"
-#ifdef ZENDORA_HAS_HTTP
-#include "check_site.h"
-#endif
 
 namespace {
 
@@ -101,7 +99,6 @@ int RunUpdater(const UpdaterArguments& arguments) {
   return kClean;
 }
 
-#ifdef ZENDORA_HAS_HTTP
 int RunCheckSite(const CheckSiteArguments& arguments) {
   const auto manifest = LoadManifestFile(arguments.manifest);
   if (!manifest) return Refuse("can't read \"" + arguments.manifest + "\"");
@@ -114,6 +111,3 @@ int RunCheckSite(const CheckSiteArguments& arguments) {
   const int code = Tell(result.findings, arguments.strict, arguments.json);
   return result.unreachable ? kNetworkFailed : code;
 }
-#else
-int RunCheckSite(const CheckSiteArguments&) { return Refuse("this build of the program has no check-site"); }
-#endif

@@ -20,15 +20,16 @@ class Bytes {
  public:
   explicit Bytes(std::string_view bytes) : bytes_(bytes) {}
   uint64_t Number(uint64_t at, size_t size) const {
+    const std::string_view part = Part(at, size);
     uint64_t number = 0;
-    if (at > bytes_.size() || bytes_.size() - at < size) return 0;
-    for (size_t i = size; i-- > 0;) number = number << 8 | static_cast<unsigned char>(bytes_[at + i]);
+    if (part.size() < size) return 0;
+    for (size_t i = size; i-- > 0;) number = number << 8 | static_cast<unsigned char>(part[i]);
     return number;
   }
   uint16_t Word(uint64_t at) const { return static_cast<uint16_t>(Number(at, 2)); }
   uint32_t Long(uint64_t at) const { return static_cast<uint32_t>(Number(at, 4)); }
-  std::string_view Part(uint64_t at, uint64_t size) const {
-    return at > bytes_.size() ? std::string_view() : bytes_.substr(at, size);
+  std::string_view Part(uint64_t at, size_t size) const {
+    return at > bytes_.size() ? std::string_view() : bytes_.substr(static_cast<size_t>(at), size);
   }
 
  private:
