@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds one preset: release (the default), debug or native.
+# Builds one preset: release (the default), debug, native or publish.
 source "$(dirname "$0")/common.sh"
 
 preset=${1:-release}
