@@ -17,7 +17,6 @@ struct ComponentsPageControls;
 struct InstallPageControls;
 
 inline constexpr wchar_t kProductTitle[] = L"Zendora Installer";
-inline constexpr char kProductVersion[] = "4.0.8";
 inline constexpr wchar_t kWindowClassName[] = L"Zendora_Installer";
 inline constexpr wchar_t kApplicationId[] = L"app.zendora.installer";
 inline constexpr std::wstring_view kManifestName = L"manifest.xml";  // of the cached manifest's file

@@ -19,7 +19,7 @@ check_format() {
 check_cppcheck() {
   cppcheck --quiet --error-exitcode=1 -j "$processors" --std=c++20 --language=c++ --platform=win32W --library=windows,googletest \
     --enable=warning,performance,portability --inline-suppr --suppress=missingIncludeSystem \
-    --suppress=unmatchedSuppression -I src -I res -I tests -DZENDORA_SITE_BASE='L""' "${translation_units[@]}"
+    --suppress=unmatchedSuppression -I src -I res -I tests -I build/release/maker "${translation_units[@]}"
 }
 
 # clang reads the program as the cross compiler does, with its headers, and the native tests as they are. The faults of
