@@ -12,13 +12,11 @@
 #include "core/window_hold.h"
 #include "system/handles.h"
 #include "system/shared_state.h"
-#include "version.h"
 
 struct ComponentsPageControls;
 struct InstallPageControls;
 
 inline constexpr wchar_t kProductTitle[] = L"Zendora Installer";
-inline constexpr char kProductVersion[] = ZENDORA_VERSION;
 inline constexpr wchar_t kWindowClassName[] = L"Zendora_Installer";
 inline constexpr wchar_t kApplicationId[] = L"app.zendora.installer";
 inline constexpr std::wstring_view kManifestName = L"manifest.xml";  // of the cached manifest's file

@@ -1,7 +1,7 @@
 // Installations from the first click to the last file.
+#include "core/site.h"
 #include "program/installer_test.h"
 #include "resource.h"
-#include "version.h"
 
 namespace {
 
@@ -36,9 +36,9 @@ TEST_F(Installation, InstallsWhatIsChecked) {
   EXPECT_EQ(GetFileAttributesW(TargetPath(L"Unwanted").c_str()), INVALID_FILE_ATTRIBUTES);
   EXPECT_TRUE(server_->RequestsOf("/packages/unwanted.dat").empty());
   EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "install_finish"}));
+  const std::string userAgent = std::string("Zendora Installer/") + kProductVersion + " (Windows NT ";
   for (const RecordedRequest& request : server_->Requests()) {
-    EXPECT_TRUE(request.headers.at("user-agent").starts_with("Zendora Installer/" ZENDORA_VERSION " (Windows NT "))
-        << request.target;
+    EXPECT_TRUE(request.headers.at("user-agent").starts_with(userAgent)) << request.target;
   }
 
   Press(BottomButton(Window()));

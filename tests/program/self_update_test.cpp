@@ -4,9 +4,11 @@
 #include <commctrl.h>
 #include <tlhelp32.h>
 
+#include "core/site.h"
 #include "program/installer_test.h"
 #include "resource.h"
 #include "system/files.h"
+#include "system/text.h"
 
 namespace {
 
@@ -162,7 +164,7 @@ TEST_F(SelfUpdate, TellsWhereToGetTheProgram) {
     std::string helpPage, shown;
   } cases[] = {{{kOther, kMissing}, kHelpPage, kHelpPage},
                {{kOther, kMissing}, "", kOther},
-               {{}, "", "https://zendora.example/play/"}};
+               {{}, "", WideToUtf8(DownloadPageAddress())}};
   for (const auto& test : cases) {
     SCOPED_TRACE(test.shown);
     StartUpdate(test.addresses, test.helpPage, L"install:a.dat source:main");
@@ -175,7 +177,7 @@ TEST_F(SelfUpdate, AClickMeanwhileTellsWhereToGetTheProgram) {
   StartAndStall();
   const HWND selectFolder = ChildAt(Window(), WC_BUTTONW, 475, 30);
   PostMessageW(Window(), WM_COMMAND, BN_CLICKED << 16, reinterpret_cast<LPARAM>(selectFolder));
-  ExpectPromptAndEnd(L"", "https://zendora.example/play/");
+  ExpectPromptAndEnd(L"", WideToUtf8(DownloadPageAddress()));
 }
 
 TEST_F(SelfUpdate, GoesOnWhenTheNetworkIsBack) {
