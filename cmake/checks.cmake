@@ -14,8 +14,8 @@ add_check(executable shipping tools/checks/check-executable)
 add_check(reproducible shipping tools/checks/check-reproducible.sh)
 add_check(installation demo ./run --headless)
 
-# These keep both processors busy.
-set_tests_properties(lint.tidy lint.cppcheck shipping.reproducible PROPERTIES PROCESSORS 2)
+# These keep the processors busy: one at a time, beside tests that mostly wait.
+set_tests_properties(lint.tidy lint.cppcheck shipping.reproducible PROPERTIES PROCESSORS 2 RESOURCE_LOCK processors)
 set_tests_properties(lint.tidy PROPERTIES COST 1000)
 set_tests_properties(shipping.reproducible PROPERTIES COST 500)
 set_tests_properties(demo.installation PROPERTIES COST 300)

@@ -82,9 +82,9 @@ endif()
 
 # Every test has a machine of its own (see CMAKE_CROSSCOMPILING_EMULATOR), so that they can run side by side.
 gtest_discover_tests(windows_tests TEST_PREFIX in-process. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-  PROPERTIES LABELS in-process TIMEOUT 60)
+  PROPERTIES LABELS in-process TIMEOUT 120)
 gtest_discover_tests(program_tests TEST_PREFIX program. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-  PROPERTIES LABELS program TIMEOUT 240 COST 60)
+  PROPERTIES LABELS program TIMEOUT 300 COST 60)
 if(CMAKE_BUILD_TYPE STREQUAL Release AND NOT ZENDORA_LINT)
   include(cmake/checks.cmake)
 endif()

@@ -6,7 +6,7 @@ packages=(
   # the cross compiler and the build
   g++ g++-mingw-w64-i686-posix binutils-mingw-w64-i686 cmake ninja-build dpkg-dev ca-certificates
   # the linters
-  clang-format clang-tidy cppcheck shellcheck pylint cmake-format
+  clang-format clang-tidy cppcheck shellcheck pylint cmake-format cloc
   # Wine, with both word sizes and TLS for each
   wine wine64 wine32:i386 libgnutls30 libgnutls30:i386
   # a virtual display, and the means to photograph it
