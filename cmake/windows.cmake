@@ -1,4 +1,16 @@
 # The program, and the tests that run on Windows.
+
+if(NOT ZENDORA_VERSION MATCHES "^([0-9]+)[.]([0-9]+)[.]([0-9]+)$")
+  message(FATAL_ERROR "ZENDORA_VERSION must be three numbers such as 4.0.8, not \"${ZENDORA_VERSION}\"")
+endif()
+set(file_version ${CMAKE_MATCH_1}.${CMAKE_MATCH_2}.0.${CMAKE_MATCH_3})
+string(REPLACE . ", " file_version_numbers ${file_version})
+list(TRANSFORM ZENDORA_ABOUT_LINKS REPLACE "(.+)" "L\"\\1\"" OUTPUT_VARIABLE about_links)
+list(JOIN about_links ", " about_links)
+set(maker_dir ${CMAKE_BINARY_DIR}/maker)
+configure_file(${CMAKE_SOURCE_DIR}/cmake/maker.h.in ${maker_dir}/maker.h @ONLY)
+configure_file(${CMAKE_SOURCE_DIR}/res/installer.manifest.in ${maker_dir}/installer.manifest @ONLY)
+
 file(GLOB_RECURSE windows_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*.cpp)
 list(REMOVE_ITEM windows_sources ${CMAKE_SOURCE_DIR}/src/app/main.cpp)
 foreach(source ${text_sources})
@@ -15,14 +27,15 @@ set(common_headers
 add_library(zendora STATIC ${windows_sources})
 set_project_options(zendora)
 target_precompile_headers(zendora PRIVATE ${common_headers})
-target_compile_definitions(zendora PRIVATE ZENDORA_SITE_BASE=L"${ZENDORA_SITE_BASE}")
+target_include_directories(zendora PRIVATE ${maker_dir})
 target_link_libraries(zendora PUBLIC zendora_text minizip
   advapi32 comctl32 comdlg32 gdi32 ole32 rpcrt4 shell32 shlwapi user32 uuid)
 
 file(GLOB resource_parts CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/res/*)
-set_source_files_properties(${CMAKE_SOURCE_DIR}/res/installer.rc PROPERTIES OBJECT_DEPENDS "${resource_parts}")
+set_source_files_properties(${CMAKE_SOURCE_DIR}/res/installer.rc PROPERTIES OBJECT_DEPENDS
+  "${resource_parts};${maker_dir}/maker.h;${maker_dir}/installer.manifest")
 add_library(resources OBJECT ${CMAKE_SOURCE_DIR}/res/installer.rc)
-target_include_directories(resources PRIVATE ${CMAKE_SOURCE_DIR}/res)
+target_include_directories(resources PRIVATE ${CMAKE_SOURCE_DIR}/res ${maker_dir})
 
 add_library(entry_point OBJECT ${CMAKE_SOURCE_DIR}/src/app/main.cpp)
 set_project_options(entry_point)

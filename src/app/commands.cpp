@@ -7,16 +7,18 @@
 #include <utility>
 #include <vector>
 
-#include "app/context.h"
-#include "app/localization.h"
+#include "app/command_line.h"
+#include "app/component_list.h"
 #include "app/main_menu.h"
-#include "app/page_controls.h"
 #include "app/pages.h"
+#include "core/context.h"
+#include "core/localization.h"
+#include "core/settings.h"
 #include "install/installation_run.h"
-#include "manifest/component_list.h"
 #include "manifest/manifest_store.h"
 #include "system/text.h"
 #include "system/threads.h"
+#include "ui/page_controls.h"
 
 namespace {
 
@@ -25,23 +27,16 @@ void WarnThatNothingIsSelected() {
               LoadLocalizedString(STR_PRODUCT_TITLE).c_str(), MB_ICONWARNING);
 }
 
-// What tells the elevated instance to install these packages by itself.
-std::wstring InstallArguments(const std::vector<std::string>& packages) {
-  std::string arguments;
-  for (const std::string& package : packages) arguments += (arguments.empty() ? "install:" : ",") + package;
-  return WidenBytes(arguments + " source:" + *app.selectedSource.Get());
-}
-
 void RelaunchElevated() {
   const std::vector<std::string> packages = CheckedComponents();
   if (packages.empty()) {
     WarnThatNothingIsSelected();
     return;
   }
-  app.restartArgs = InstallArguments(packages);
+  app.restartArgs = WidenBytes(InstallCommandLine(packages, *app.selectedSource.Get()));
   app.commandLine.clear();
-  app.restartRequested = true;
   app.restartElevated = true;
+  app.restartRequested = true;
   PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
 }
 
@@ -64,6 +59,20 @@ void StartWorker() {
   StartThreadOnce(app.workerThread, InstallThreadProc);
 }
 
+void RewriteComponentsPage(const ComponentsPageControls& page) {
+  page.installPathLabel.SetText(LoadLocalizedString(STR_INSTALL_IN) + L": [" +
+                                LoadLocalizedString(STR_FOLDERS_AUTOMATIC) + L"]");
+  page.selectFolderButton.SetText(LoadLocalizedString(STR_OPEN));
+  page.componentsLabel.SetText(LoadLocalizedString(STR_COMPONENTS) + L":");
+  page.installButton.SetText(LoadLocalizedString(STR_INSTALL));
+  UpdateTotalSize();
+}
+
+// The worker writes the other texts of this page as it goes.
+void RewriteInstallPage(const InstallPageControls& page) {
+  page.deleteTmpCheckbox.SetText(LoadLocalizedString(STR_DELETE_TEMP_FILES));
+}
+
 }  // namespace
 
 void StartInstallation() {
@@ -81,7 +90,7 @@ void CancelOrExit() {
     PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
     return;
   }
-  app.cancelRequested = true;
+  app.cancelRequested.Utter();
   const InstallPageControls* page = app.installPage;
   page->cancelButton.SetText(LoadLocalizedString(STR_EXIT));
 }
@@ -91,4 +100,15 @@ void SelectSource(int position) {
   if (position < 0 || static_cast<size_t>(position) >= manifest->sources.size()) return;
   app.selectedSource.Set(std::next(manifest->sources.begin(), position)->first);
   BuildMainMenu();
+}
+
+void SetUiLanguage(uint32_t language) {
+  const bool changed = language != app.uiLanguage;
+  app.uiLanguage = language;
+  SetThreadLanguage(language);
+  SetWindowTextW(app.mainWindow, LoadLocalizedString(STR_PRODUCT_TITLE).c_str());
+  BuildMainMenu();
+  if (app.currentPage == ComponentsPage) RewriteComponentsPage(*app.componentsPage);
+  if (app.currentPage == InstallPage) RewriteInstallPage(*app.installPage);
+  if (changed) SaveLanguage();
 }

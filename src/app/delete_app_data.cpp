@@ -1,13 +1,13 @@
-#include "app/delete_app_data.h"
+#include "app/dialogs.h"
 
 #include <windows.h>
 
 #include <string>
 
-#include "app/context.h"
-#include "app/localization.h"
-#include "app/message_boxes.h"
+#include "core/context.h"
+#include "core/localization.h"
 #include "system/folder_removal.h"
+#include "ui/message_boxes.h"
 
 namespace {
 

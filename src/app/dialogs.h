@@ -1,13 +1,11 @@
-// What the dialogs have in common.
+// What the menu opens. Each is modal and returns when it is closed. UI thread.
 #pragma once
 
-#include <windows.h>
+// What the program is, and where its makers are.
+void AboutDialog();
 
-#include <optional>
+// Lets the user limit the download speed.
+void SpeedLimitDialog();
 
-// Puts the dialog's centre over its owner, or over the main window when it has none; its size stays.
-void CenterOverOwner(HWND dialog);
-
-// Answers the messages that concern the appearance of a dialog; nothing for all others. The result is the dialog
-// procedure's.
-std::optional<INT_PTR> AnswerThemeMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+// Asks, and then removes the program's registry key and its folders.
+void DeleteAppData();

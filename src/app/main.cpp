@@ -2,18 +2,15 @@
 
 #include <string>
 
-#include "app/command_line.h"
-#include "app/context.h"
-#include "app/environment.h"
-#include "app/localization.h"
-#include "app/main_menu.h"
 #include "app/main_window.h"
-#include "app/replaced_program.h"
-#include "app/settings.h"
 #include "app/single_instance.h"
-#include "app/theme.h"
-#include "net/self_update.h"
+#include "core/context.h"
+#include "core/environment.h"
+#include "core/localization.h"
+#include "core/settings.h"
 #include "system/modules.h"
+#include "ui/theme/theme.h"
+#include "update/replaced_program.h"
 
 namespace {
 
@@ -34,11 +31,6 @@ void SetApplicationId() {
   if (setId) setId(kApplicationId);
 }
 
-void SetUpwardCalls() {
-  app.upward.buildMainMenu = BuildMainMenu;
-  app.upward.runSelfUpdate = RunSelfUpdate;
-}
-
 int RunMessageLoop() {
   const HACCEL accelerators = LoadAcceleratorsW(app.instance, MAKEINTRESOURCEW(ACCELERATORS_MAIN));
   MSG message = {};
@@ -52,7 +44,6 @@ int RunMessageLoop() {
 
 int RunProgram(HINSTANCE instance, const std::wstring& commandLine, int showCommand) {
   app.instance = instance;
-  SetUpwardCalls();
   ProbeAdministrator();
   if (!ClaimSingleInstance(commandLine)) return 0;
   SetApplicationId();

@@ -4,11 +4,10 @@
 
 #include <string>
 
-#include "app/context.h"
-#include "app/localization.h"
+#include "core/context.h"
+#include "core/localization.h"
 #include "manifest/manifest_store.h"
 #include "system/text.h"
-#include "system/window_thread.h"
 
 namespace {
 
@@ -90,7 +89,4 @@ void ReplaceMenu(HMENU menu) {
 
 }  // namespace
 
-void BuildMainMenu() {
-  // The window's own thread, whose texts are in the latest language, so that of two menus the later one stays.
-  RunOnThreadOf(app.mainWindow, [] { ReplaceMenu(BuildMenu()); });
-}
+void BuildMainMenu() { ReplaceMenu(BuildMenu()); }

@@ -3,41 +3,31 @@
 #include <commctrl.h>
 
 #include <string>
-#include <string_view>
 
-#include "app/about_dialog.h"
-#include "app/command_line.h"
 #include "app/commands.h"
-#include "app/context.h"
-#include "app/dark_menu_bar.h"
-#include "app/delete_app_data.h"
-#include "app/localization.h"
+#include "app/component_list.h"
+#include "app/dialogs.h"
 #include "app/main_menu.h"
-#include "app/message_boxes.h"
-#include "app/page_controls.h"
+#include "app/manifest_thread.h"
 #include "app/pages.h"
-#include "app/settings.h"
 #include "app/shutdown.h"
 #include "app/single_instance.h"
-#include "app/speed_limit_dialog.h"
-#include "app/theme.h"
-#include "app/theme_brushes.h"
-#include "app/ui_language.h"
-#include "manifest/browse_for_path.h"
-#include "manifest/component_list.h"
-#include "manifest/manifest_retrieval.h"
+#include "app/window_scale.h"
+#include "core/context.h"
+#include "core/localization.h"
+#include "core/settings.h"
+#include "core/window_messages.h"
+#include "install/browse_for_path.h"
+#include "install/transfer_status.h"
 #include "system/threads.h"
+#include "ui/mailbox.h"
+#include "ui/message_boxes.h"
+#include "ui/page_controls.h"
+#include "ui/scale.h"
+#include "ui/theme/dark_menu_bar.h"
+#include "ui/theme/theme.h"
 
 namespace {
-
-constexpr int kWindowWidth = 600, kWindowHeight = 480;
-
-// A command line that a second instance forwards. What a sender wrote beyond its own buffer is not read.
-void OnCopyData(WPARAM kind, const COPYDATASTRUCT& data) {
-  if (kind != kCopyDataCommandLine || data.dwData == 0 || !data.lpData) return;
-  const std::wstring_view buffer(static_cast<const wchar_t*>(data.lpData), data.cbData / sizeof(wchar_t));
-  ParseCommandLine(buffer.substr(0, buffer.find(L'\0')));
-}
 
 void OnInfoTip(NMLVGETINFOTIPW& request) {
   const std::wstring tooltip = ComponentTooltip(request.iItem);
@@ -84,8 +74,7 @@ void OnInstallPageClick(const InstallPageControls& page, HWND control) {
 
 void OnClick(HWND control) {
   if (app.updateInProgress) {
-    SetLastError(ERROR_SUCCESS);  // nothing failed; an old error would get into the text
-    PromptDownloadLatest({});
+    PromptDownloadLatest({}, ERROR_SUCCESS);
   } else if (app.currentPage == ComponentsPage) {
     OnComponentsPageClick(*app.componentsPage, control);
   } else if (app.currentPage == InstallPage) {
@@ -158,10 +147,16 @@ LRESULT OnFramePaint(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   return result;
 }
 
+void OnSettingChange(LPARAM lParam) {
+  if (!OnMainWindowSettingChange(lParam)) return;
+  if (const InstallPageControls* page = app.installPage) ThemeUnstyledControl(page->deleteTmpCheckbox.Window());
+}
+
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_NCCREATE:
       app.mainWindow = window;  // from the first message on
+      SetScale(DpiOf(window));
       break;
     case WM_DESTROY:
       OnDestroy();
@@ -176,15 +171,30 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       if (wParam) OnEndSession(lParam);
       return 0;
     case WM_SETTINGCHANGE:
-      OnMainWindowSettingChange(lParam);
+      OnSettingChange(lParam);
+      return 0;
+    case kFillComponentListMessage:
+      PopulateComponentList();
+      return 0;
+    case kSpeedTimerMessage:
+      OnSpeedTimerRequest(wParam != FALSE);
+      return 0;
+    case kShowNotesMessage:
+      pageNotes.OnMessage(window, wParam);
       return 0;
     case WM_COPYDATA:
-      OnCopyData(wParam, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+      OnForwardedCommandLine(wParam, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
       return 0;
     case WM_NOTIFY:
       return OnNotify(lParam);
     case WM_COMMAND:
       return OnCommand(window, wParam, lParam);
+    case kScaleChangedMessage:
+      OnScaleChanged(window, LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+      return 0;
+    case kScaledSizeMessage:
+      *reinterpret_cast<SIZE*>(lParam) = MainWindowSizeAt(static_cast<int>(wParam));
+      return TRUE;
     case WM_NCPAINT:
     case WM_NCACTIVATE:
       return OnFramePaint(window, message, wParam, lParam);
@@ -211,13 +221,6 @@ HICON LoadApplicationIcon(HINSTANCE instance, int widthMetric, int heightMetric)
                                        GetSystemMetrics(widthMetric), GetSystemMetrics(heightMetric), LR_SHARED));
 }
 
-void MeasureDesktop() {
-  RECT desktop{};
-  GetClientRect(GetDesktopWindow(), &desktop);
-  app.desktopWidth = desktop.right;
-  app.desktopHeight = desktop.bottom;
-}
-
 }  // namespace
 
 void RegisterMainWindowClass(HINSTANCE instance) {
@@ -242,10 +245,9 @@ bool CreateMainWindow(HINSTANCE instance, int showCommand) {
   MeasureDesktop();
   CreateThemeBrushes();
   const HWND window = CreateWindowExW(0, kWindowClassName, LoadLocalizedString(STR_PRODUCT_TITLE).c_str(),
-                                      WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN,
-                                      (app.desktopWidth - kWindowWidth) / 2, (app.desktopHeight - kWindowHeight) / 2,
-                                      kWindowWidth, kWindowHeight, nullptr, nullptr, instance, nullptr);
+                                      kMainWindowStyle, 0, 0, 0, 0, nullptr, nullptr, instance, nullptr);
   if (!window) return false;
+  PlaceInMiddle(window);
   if (app.darkMode) AllowDarkMode(window);
   ShowComponentsPage();
   SetUiLanguage(app.uiLanguage);

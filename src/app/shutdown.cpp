@@ -1,12 +1,10 @@
 #include "app/shutdown.h"
 
-#include <atomic>
-
-#include "app/context.h"
-#include "app/dark_menu_bar.h"
 #include "app/pages.h"
-#include "app/theme_brushes.h"
-#include "system/process.h"
+#include "core/context.h"
+#include "ui/message_boxes.h"
+#include "ui/theme/dark_menu_bar.h"
+#include "ui/theme/theme.h"
 
 namespace {
 
@@ -22,12 +20,10 @@ std::wstring RelaunchCommandLine() {
 }  // namespace
 
 bool OnCloseRequest() {
-  app.closeAttempts.Add(1);
-  // The counterpart of the fence at the end of a run, so that of the two at least one sees what the other wrote.
-  std::atomic_thread_fence(std::memory_order_seq_cst);
-  app.cancelRequested = true;
+  app.cancelRequested.Utter();
+  const bool held = app.windowHold.CountCloseRequest();
   if (app.closeReason == NotEnding && InSendMessage()) app.closeReason = ClosedByMessage;
-  if (app.installRunning && !app.restartRequested && app.closeAttempts < kInsistentCloseAttempts) {
+  if (held && !app.restartRequested && app.windowHold.CloseAttempts() < kInsistentCloseAttempts) {
     ShowClosingPage();
     return false;
   }

@@ -4,9 +4,13 @@
 
 #include <utility>
 
-#include "app/context.h"
-#include "app/localization.h"
+#include "app/command_line.h"
+#include "core/context.h"
+#include "core/localization.h"
 #include "system/files.h"
+#include "system/path_names.h"
+#include "system/text.h"
+#include "update/replaced_program.h"
 
 namespace {
 
@@ -42,11 +46,17 @@ bool WaitForMutex() {
 
 // The settings are not read: they belong to the instance that runs.
 void TellOtherInstanceStays() {
-  ResolveUiLanguage(0);
-  SetThreadLanguage(app.uiLanguage);
+  SetThreadLanguage(ResolveUiLanguage(0));
   MessageBoxW(nullptr, LoadLocalizedString(STR_ANOTHER_INSTANCE).c_str(), LoadLocalizedString(STR_ERROR).c_str(),
               MB_ICONERROR);
   ShellExecuteW(nullptr, nullptr, SystemFilePath(L"taskmgr.exe").c_str(), L" /7", nullptr, SW_SHOWDEFAULT);
+}
+
+// What fits a command line that is kept, never half of a surrogate pair.
+std::wstring_view FittingStart(std::wstring_view commandLine) {
+  if (commandLine.size() <= kMaxPathLength) return commandLine;
+  const wchar_t last = commandLine[kMaxPathLength - 1];
+  return commandLine.substr(0, IS_HIGH_SURROGATE(last) ? kMaxPathLength - 1 : kMaxPathLength);
 }
 
 }  // namespace
@@ -63,4 +73,18 @@ bool ClaimSingleInstance(const std::wstring& commandLine) {
   if (WaitForMutex()) return true;
   TellOtherInstanceStays();
   return false;
+}
+
+void ParseCommandLine(std::wstring_view commandLine) {
+  app.commandLine = FittingStart(commandLine);
+  CommandLineRequest request = ReadCommandLine(WideToUtf8(commandLine));
+  if (request.updated) RemoveReplacedProgram();
+  if (request.installList) app.installList.Set(std::move(*request.installList));
+  if (request.source) app.selectedSource.Set(std::move(*request.source));
+}
+
+void OnForwardedCommandLine(WPARAM kind, const COPYDATASTRUCT& data) {
+  if (kind != kCopyDataCommandLine || data.dwData == 0 || !data.lpData) return;
+  const std::wstring_view buffer(static_cast<const wchar_t*>(data.lpData), data.cbData / sizeof(wchar_t));
+  ParseCommandLine(buffer.substr(0, buffer.find(L'\0')));
 }

@@ -1,4 +1,4 @@
-#include "app/speed_limit_dialog.h"
+#include "app/dialogs.h"
 
 #include <windows.h>
 // commctrl.h needs windows.h before it.
@@ -6,12 +6,12 @@
 
 #include <string>
 
-#include "app/context.h"
-#include "app/dialogs.h"
-#include "app/localization.h"
-#include "app/settings.h"
 #include "app/speed_scale.h"
-#include "app/theme.h"
+#include "core/context.h"
+#include "core/localization.h"
+#include "core/settings.h"
+#include "ui/dialogs.h"
+#include "ui/theme/theme.h"
 
 namespace {
 
@@ -69,8 +69,7 @@ void OnReset(HWND dialog) {
 void OnOk(HWND dialog) {
   const uint32_t speed = EnteredSpeed(dialog);
   if (speed != app.maxDownloadSpeedKB) {
-    app.maxDownloadSpeedKB = speed;
-    app.speedLimitBytes = SpeedInBytes(speed);
+    SetSpeedLimit(speed);
     SaveMaxDownloadSpeed();
   }
   EndDialog(dialog, IDOK);
@@ -115,6 +114,4 @@ INT_PTR CALLBACK SpeedLimitProc(HWND dialog, UINT message, WPARAM wParam, LPARAM
 
 }  // namespace
 
-void SpeedLimitDialog() {
-  DialogBoxParamW(app.instance, MAKEINTRESOURCEW(DIALOG_SPEED_LIMIT), app.mainWindow, SpeedLimitProc, 0);
-}
+void SpeedLimitDialog() { ShowModalDialog(DIALOG_SPEED_LIMIT, SpeedLimitProc); }

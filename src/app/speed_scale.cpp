@@ -21,6 +21,4 @@ uint32_t SpeedAtPosition(uint32_t position, uint32_t scaleMax) {
 
 uint32_t ParseSpeed(const std::wstring& text) { return static_cast<uint32_t>(std::wcstoul(text.c_str(), nullptr, 0)); }
 
-uint32_t SpeedInBytes(uint32_t speed) { return speed << 10; }
-
 std::wstring SpeedText(uint32_t speed) { return speed != 0 ? std::to_wstring(speed) : L""; }

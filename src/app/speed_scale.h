@@ -16,8 +16,5 @@ uint32_t SpeedAtPosition(uint32_t position, uint32_t scaleMax);
 // for a text that is no number.
 uint32_t ParseSpeed(const std::wstring& text);
 
-// A speed in bytes per second, in 32-bit arithmetic: the limit is one word that threads share.
-uint32_t SpeedInBytes(uint32_t speed);
-
 // The text of a speed: empty for no limit.
 std::wstring SpeedText(uint32_t speed);

@@ -5,10 +5,9 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "app/context.h"
+#include "core/context.h"
 #include "install/client_config_text.h"
 #include "system/files.h"
-#include "system/handles.h"
 #include "system/text.h"
 
 namespace {
@@ -33,33 +32,6 @@ ClientConfigValues ChooseValues(const std::string& targetFolder) {
   return values;
 }
 
-bool WriteNewFile(const std::wstring& path, const std::string& bytes) {
-  const FileHandle file(
-      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-  DWORD written = 0;
-  return file && WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
-         written == bytes.size();
-}
-
-// An installer that runs elevated could replace even a file that may not be written.
-bool MayBeWritten(const std::wstring& path) {
-  constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
-  return static_cast<bool>(file);
-}
-
-// The player's settings survive a full disk or a crash: the new text is complete before it takes the place of the old.
-void ReplaceFileText(const std::wstring& path, const std::string& bytes) {
-  if (!MayBeWritten(path)) return;
-  const std::wstring newPath = path + L".new";
-  if (WriteNewFile(newPath, bytes) && ReplaceFileW(path.c_str(), newPath.c_str(), nullptr, 0, nullptr, nullptr)) return;
-  if (PathExists(path)) {
-    DeleteFileW(newPath.c_str());
-  } else {  // one failure has removed the old file already, and the new one is all there is
-    MoveFileW(newPath.c_str(), path.c_str());
-  }
-}
-
 }  // namespace
 
 bool ApplyGameClientConfig(const std::string& targetFolder, const std::string& addon) {
@@ -68,6 +40,6 @@ bool ApplyGameClientConfig(const std::string& targetFolder, const std::string& a
   const auto bytes = ReadWholeFile(path);
   if (!bytes || bytes->empty()) return false;
   std::string text = FromTextFile(*bytes);
-  if (FillClientConfig(text, ChooseValues(targetFolder)) > 0) ReplaceFileText(path, ToTextFile(text));
+  if (FillClientConfig(text, ChooseValues(targetFolder)) > 0) ReplaceFileContent(path, ToTextFile(text));
   return true;
 }

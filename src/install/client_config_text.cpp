@@ -4,9 +4,16 @@
 
 namespace {
 
+// A folder may have an "&" in its name. What else XML gives a meaning can't be in one.
+std::string XmlText(const std::string& value) {
+  std::string text;
+  for (const char c : value) text += c == '&' ? std::string("&amp;") : std::string(1, c);
+  return text;
+}
+
 int FillElement(std::string& text, const std::string& name, const std::string& value) {
   const std::string open = "<" + name + ">", close = "</" + name + ">";
-  return !value.empty() && ReplaceFirst(text, open + close, open + value + close) ? 1 : 0;
+  return !value.empty() && ReplaceFirst(text, open + close, open + XmlText(value) + close) ? 1 : 0;
 }
 
 }  // namespace
@@ -14,24 +21,4 @@ int FillElement(std::string& text, const std::string& name, const std::string& v
 int FillClientConfig(std::string& text, const ClientConfigValues& values) {
   return FillElement(text, "nick", values.nick) + FillElement(text, "display_resolution", values.displayResolution) +
          FillElement(text, "screenshot_path", values.screenshotPath) + FillElement(text, "locale", values.locale);
-}
-
-std::string FromTextFile(const std::string& bytes) {
-  std::string text;
-  text.reserve(bytes.size());
-  for (size_t i = 0; i < bytes.size(); ++i) {
-    const bool lineEnd = bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n';
-    if (!lineEnd) text += bytes[i];
-  }
-  return text;
-}
-
-std::string ToTextFile(const std::string& text) {
-  std::string bytes;
-  bytes.reserve(text.size());
-  for (const char c : text) {
-    if (c == '\n') bytes += '\r';
-    bytes += c;
-  }
-  return bytes;
 }

@@ -12,7 +12,3 @@ struct ClientConfigValues {
 
 // Fills the first empty element of each kind with its value; what holds something stays. Returns how many were filled.
 int FillClientConfig(std::string& text, const ClientConfigValues& values);
-
-// What reading and writing a file in text mode does to line ends: CR LF becomes LF, and LF becomes CR LF.
-std::string FromTextFile(const std::string& bytes);
-std::string ToTextFile(const std::string& text);

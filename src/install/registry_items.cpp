@@ -2,8 +2,7 @@
 
 #include <windows.h>
 
-#include "install/registry_data.h"
-#include "manifest/placeholders.h"
+#include "install/package_texts.h"
 #include "system/handles.h"
 
 namespace {

@@ -1,10 +1,10 @@
 #include "install/run_display.h"
 
-#include "app/context.h"
-#include "app/localization.h"
-#include "app/message_boxes.h"
-#include "app/page_controls.h"
+#include "core/context.h"
+#include "core/localization.h"
 #include "net/error_text.h"
+#include "ui/message_boxes.h"
+#include "ui/page_controls.h"
 
 namespace {
 

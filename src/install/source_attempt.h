@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <string>
 
-#include "install/installation.h"
+#include "install/run_state.h"
 #include "manifest/manifest_model.h"
 
 // A package while it is being downloaded.
 struct PackageDownload {
-  Installation& run;
+  RunState& run;
   const Package& package;
   StatsRecord& stats;
   uint64_t size;        // of the package file as the manifest has it
@@ -21,13 +21,7 @@ struct PackageDownload {
 // Where a transfer that goes on with the present file starts: 0 when the file can't become right by getting longer.
 uint64_t ResumeOffset(const PackageDownload& download);
 
-// `part` of `whole` in percent, truncated; 0 when `whole` is 0.
-uint32_t PercentOf(uint64_t part, uint64_t whole);
-
 // Transfers the file from `url`, starting at download.offset. An https address whose secure channel fails is tried once
-// over http; a brief outage is bridged by up to 60 retries without data. The outcome is that of the last attempt;
-// `cancelled` also when the run was cancelled between attempts.
+// over http; a brief outage, and answers that are cut short, are bridged by retries as run.retryRules tells. The
+// outcome is that of the last attempt; `cancelled` also when the run was cancelled between attempts.
 HttpResult TransferFromSource(PackageDownload& download, const std::wstring& url);
-
-// What waits before a retry: one second, or until the run is cancelled. Tests replace it.
-extern void (*pauseBeforeRetry)();

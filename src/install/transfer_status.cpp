@@ -1,10 +1,10 @@
 #include "install/transfer_status.h"
 
-#include "app/context.h"
-#include "app/localization.h"
+#include "core/context.h"
+#include "core/localization.h"
+#include "core/window_messages.h"
 #include "install/run_display.h"
 #include "system/files.h"
-#include "system/window_thread.h"
 
 TransferStatus& transferStatus = *new TransferStatus;
 
@@ -59,19 +59,16 @@ void ShowSpeed(uint64_t fileBytes) {
 
 }  // namespace
 
-// A timer of a window belongs to the thread that owns the window.
-void ArmSpeedTimer() {
-  if (transferStatus.timerArmed) return;
-  RunOnThreadOf(app.mainWindow, [] {
+void OnSpeedTimerRequest(bool arm) {
+  if (!arm) {
+    if (KillTimer(app.mainWindow, kSpeedTimer)) transferStatus.timerArmed = false;
+  } else if (!transferStatus.timerArmed) {
     transferStatus.timerArmed = SetTimer(app.mainWindow, kSpeedTimer, kSpeedTimerPeriodMs, OnSpeedTimer) != 0;
-  });
+  }
 }
 
-void StopSpeedTimer() {
-  RunOnThreadOf(app.mainWindow, [] {
-    if (KillTimer(app.mainWindow, kSpeedTimer)) transferStatus.timerArmed = false;
-  });
-}
+void ArmSpeedTimer() { SendMessageW(app.mainWindow, kSpeedTimerMessage, TRUE, 0); }
+void StopSpeedTimer() { SendMessageW(app.mainWindow, kSpeedTimerMessage, FALSE, 0); }
 
 void CALLBACK OnSpeedTimer(HWND, UINT, UINT_PTR, DWORD) {
   const uint64_t before = transferStatus.lastTickBytes;

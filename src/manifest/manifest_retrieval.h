@@ -1,17 +1,20 @@
-// Getting the packages manifest, from the repository or from a recent cache.
+// Getting the packages manifest from the product's web service. Blocks the calling thread.
 #pragma once
-
-#include <windows.h>
 
 #include <string>
 
-// Asks the repository for the manifest into manifestBuffer. True when at least one byte arrived; otherwise the thread's
-// last error tells why not. Manifest thread or worker.
-bool FetchManifest();
+#include "net/http_result.h"
 
-// The repository's address with this installation's query.
+// The address of the manifest for this installation.
 std::wstring BuildManifestUrl();
 
-// The manifest thread: loads the manifest and fills the component list; starts an installation that the command line
-// asked for. `parameter` is ignored.
-DWORD WINAPI ManifestThreadProc(void* parameter);
+struct ManifestFetch {
+  bool ok = false;    // something was received
+  HttpResult result;  // of the client
+};
+
+// Fetches the manifest into manifestBuffer, which is emptied first. Manifest thread or worker.
+ManifestFetch FetchManifest();
+
+// Whether the cache file is young enough to be used instead.
+bool IsManifestCacheFresh();

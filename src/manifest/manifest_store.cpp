@@ -1,16 +1,13 @@
 #include "manifest/manifest_store.h"
 
-#include <share.h>
 #include <tinyxml2.h>
 #include <windows.h>
 
-#include <cstdio>
-
-#include "app/context.h"
+#include "core/context.h"
 #include "manifest/manifest_reader.h"
 #include "system/files.h"
-#include "system/path_names.h"
 #include "system/shared_state.h"
+#include "system/text.h"
 
 std::string& manifestBuffer = *new std::string;
 
@@ -24,7 +21,7 @@ SharedValue<Manifest>& currentManifest = *new SharedValue<Manifest>;
 // may still be asked about a failed save while the worker loads the manifest again.
 SharedValue<std::string>& cacheText = *new SharedValue<std::string>;
 
-SharedWord<bool> cacheSaveFailed;
+SharedWord<CacheSave> lastCacheSave{CacheSave::Saved};
 
 bool Parse(XMLDocument& document, const std::string& text) {
   return document.Parse(text.data(), text.size()) == tinyxml2::XML_SUCCESS;
@@ -43,70 +40,59 @@ bool ParseCache(XMLDocument& document) {
   return false;
 }
 
-void ActOnUpdate(const UpdaterInfo& updater, bool fromNetwork, bool suppressSelfUpdate) {
-  if (!fromNetwork) {
-    DeleteFileW(app.manifestPath.c_str());
-  } else if (!suppressSelfUpdate) {
-    app.updateInProgress = true;
-    app.upward.runSelfUpdate(updater);
-  }
-}
-
 std::string Print(const XMLDocument& document) {
   tinyxml2::XMLPrinter printer;
   document.Print(&printer);
   return printer.CStr();
 }
 
-// Writes all of the text and closes the file; false when the disk did not take it.
-bool WriteAndClose(FILE* file, const std::string& text) {
-  const bool written = fwrite(text.data(), 1, text.size(), file) == text.size();
-  return fclose(file) == 0 && written;
-}
-
 }  // namespace
 
 std::shared_ptr<const Manifest> CurrentManifest() { return currentManifest.Get(); }
 
-int LoadManifest(bool suppressSelfUpdate) {
-  const bool fromNetwork = !manifestBuffer.empty();
-  XMLDocument document;
-  if (!(fromNetwork ? ParseFetched(document) : ParseCache(document))) return -1;
-  tinyxml2::XMLElement* root = FindManifestRoot(document);
-  if (!root) return 0;
+ManifestDocument::ManifestDocument() : document_(std::make_unique<XMLDocument>()), manifest_(*CurrentManifest()) {}
 
-  Manifest manifest = *CurrentManifest();
-  if (TakeUpdater(*root, manifest.updater) && !manifest.updater.md5.empty()) {
-    ActOnUpdate(manifest.updater, fromNetwork, suppressSelfUpdate);
+ManifestDocument::~ManifestDocument() = default;
+
+ManifestKind ManifestDocument::Read() {
+  fromNetwork_ = !manifestBuffer.empty();
+  if (!(fromNetwork_ ? ParseFetched(*document_) : ParseCache(*document_))) return ManifestKind::Unreadable;
+  tinyxml2::XMLElement* root = FindManifestRoot(*document_);
+  if (!root) return ManifestKind::Foreign;
+  if (TakeUpdater(*root, manifest_.updater) && !manifest_.updater.md5.empty()) {
+    announcesUpdate_ = fromNetwork_;
+    if (!fromNetwork_) DeleteFileW(app.manifestPath.c_str());
   }
-  const auto newSelection = ReadSources(*root, *app.selectedSource.Get(), manifest);
-  if (newSelection) app.selectedSource.Set(*newSelection);
-  ReadPackages(*root, manifest);
-  const int count = static_cast<int>(manifest.packageOrder.size());
-  currentManifest.Set(std::move(manifest));
+  return ManifestKind::Manifest;
+}
 
-  if (fromNetwork) {
-    cacheText.Set(Print(document));
-    cacheSaveFailed = !SaveManifestCache();
+const UpdaterInfo* ManifestDocument::AnnouncedUpdate() const { return announcesUpdate_ ? &manifest_.updater : nullptr; }
+
+int ManifestDocument::Load() {
+  const tinyxml2::XMLElement& root = *FindManifestRoot(*document_);
+  const auto newSelection = ReadSources(root, *app.selectedSource.Get(), manifest_);
+  if (newSelection) app.selectedSource.Set(*newSelection);
+  ReadPackages(root, manifest_);
+  const int count = static_cast<int>(manifest_.packageOrder.size());
+  currentManifest.Set(std::move(manifest_));
+  if (fromNetwork_) {
+    cacheText.Set(Print(*document_));
+    lastCacheSave = SaveManifestCache();
   }
   return count;
 }
 
-bool SaveManifestCache() {
-  // A cache that was cut short would leave the next start without a list, so a complete file takes the old one's place.
-  const std::wstring newPath = JoinPath(ParentFolder(app.manifestPath), L"manifest.new");
-  FILE* file = _wfsopen(newPath.c_str(), L"w", _SH_DENYRW);
-  if (!file) return false;
-  const bool written = WriteAndClose(file, *cacheText.Get());
-  // Who looks at the old file meanwhile, a scanner for instance, may forbid to replace it but not to write to it.
-  const bool saved = written && (MoveFileExW(newPath.c_str(), app.manifestPath.c_str(), MOVEFILE_REPLACE_EXISTING) ||
-                                 CopyFileW(newPath.c_str(), app.manifestPath.c_str(), FALSE));
-  // On a full disk there is nothing to repair.
-  const bool diskIsFull = !written || (!saved && GetLastError() == ERROR_DISK_FULL);
-  DeleteFileW(newPath.c_str());
-  // What was there is outdated and must not be taken for this one, nor must half of this one.
-  if (!saved) DeleteFileW(app.manifestPath.c_str());
-  return saved || diskIsFull;
+int LoadManifest() {
+  ManifestDocument document;
+  const ManifestKind kind = document.Read();
+  return kind == ManifestKind::Manifest ? document.Load() : static_cast<int>(kind);
 }
 
-bool ManifestCacheSaveFailed() { return cacheSaveFailed; }
+CacheSave SaveManifestCache() {
+  const uint32_t error = ReplaceFileContent(app.manifestPath, ToTextFile(*cacheText.Get()));
+  if (error == ERROR_SUCCESS) return CacheSave::Saved;
+  DeleteFileW(app.manifestPath.c_str());
+  return error == ERROR_DISK_FULL ? CacheSave::DiskFull : CacheSave::NotWritable;
+}
+
+CacheSave LastCacheSave() { return lastCacheSave; }

@@ -9,8 +9,10 @@ ParsedUrl CrackUrl(const std::wstring& url) {
   parts.dwSchemeLength = parts.dwHostNameLength = parts.dwUserNameLength = 1;
   parts.dwPasswordLength = parts.dwUrlPathLength = parts.dwExtraInfoLength = 1;
   ParsedUrl parsed;
-  if (!WinInet().InternetCrackUrl(url.c_str(), static_cast<DWORD>(url.size()), 0, &parts)) return parsed;
-  parsed.valid = true;
+  if (!WinInet().InternetCrackUrl(url.c_str(), static_cast<DWORD>(url.size()), 0, &parts)) {
+    parsed.error = GetLastError();
+    return parsed;
+  }
   parsed.scheme = parts.nScheme;
   parsed.host.assign(parts.lpszHostName, parts.dwHostNameLength);
   parsed.path.assign(parts.lpszUrlPath, parts.dwUrlPathLength);

@@ -4,11 +4,12 @@
 #include <windows.h>
 #include <wininet.h>
 
+#include <cstdint>
 #include <string>
 
 // A port, user name or password in the URL is not kept: the clients always connect to 443 or 80.
 struct ParsedUrl {
-  bool valid = false;
+  uint32_t error = 0;  // why it is no URL; 0 for one
   INTERNET_SCHEME scheme = INTERNET_SCHEME_DEFAULT;
   std::wstring host, path;
   std::wstring extraInfo;  // the query with its "?", or empty

@@ -1,10 +1,13 @@
 #include "net/error_text.h"
 
 #include "net/wininet_api.h"
+#include "system/shared_state.h"
 
 namespace {
 
-std::wstring ServerResponseText() {
+SharedValue<std::wstring>& serverText = *new SharedValue<std::wstring>;
+
+std::wstring LastResponseText() {
   DWORD code = 0;
   DWORD length = 0;
   WinInet().InternetGetLastResponseInfo(&code, nullptr, &length);
@@ -28,10 +31,8 @@ std::wstring SystemText(uint32_t code) {
 }  // namespace
 
 std::wstring GetErrorText(uint32_t code) {
-  const DWORD last_error = GetLastError();
-  std::wstring text;
-  if (code == ERROR_INTERNET_EXTENDED_ERROR) text = ServerResponseText();
-  if (text.empty()) text = SystemText(code);
-  SetLastError(last_error);
-  return text;
+  const std::wstring text = code == ERROR_INTERNET_EXTENDED_ERROR ? *serverText.Get() : std::wstring();
+  return text.empty() ? SystemText(code) : text;
 }
+
+void RememberServerText() { serverText.Set(LastResponseText()); }

@@ -5,6 +5,7 @@
 #include <wincrypt.h>
 
 #include "system/handles.h"
+#include "system/text.h"
 
 namespace {
 
@@ -41,10 +42,7 @@ bool HashContent(HANDLE file, HCRYPTHASH hash, HashProgress& progress, HashProgr
     if (!CryptHashData(hash, chunk, count, 0)) return false;
     if (!callback) continue;
     progress.processed += count;
-    if (size != 0) {
-      const double share = static_cast<double>(progress.processed) * 100.0 / static_cast<double>(size);
-      progress.percent = static_cast<uint32_t>(share);
-    }
+    progress.percent = PercentOf(progress.processed, size);
     callback(&progress);
     if (progress.cancel) return false;
   }

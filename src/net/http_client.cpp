@@ -1,100 +1,196 @@
 #include "net/http_client.h"
 
-#include "app/context.h"
+#include <algorithm>
+#include <utility>
+
 #include "net/crack_url.h"
-#include "net/http_request.h"
-#include "net/network_errors.h"
+#include "system/handles.h"
 
 namespace {
 
-constexpr DWORD kGetFlags =
-    INTERNET_FLAG_RELOAD | INTERNET_FLAG_IGNORE_CERT_CN_INVALID | INTERNET_FLAG_IGNORE_CERT_DATE_INVALID;
+// The line notices a silence itself. The system only has to let the abandoned thread go in the end.
+constexpr uint32_t kSystemGraceMs = 5000;
 
-void SetHeader(HINTERNET request, const std::wstring& header) {
-  WinInet().HttpAddRequestHeaders(request, header.c_str(), static_cast<DWORD>(-1),
-                                  HTTP_ADDREQ_FLAG_ADD | HTTP_ADDREQ_FLAG_REPLACE);
+// A sink takes a body:
+//   uint32_t Begin(const HttpHead& head, HttpResult& result)  a body follows; again after a head `withoutGzip`
+//   uint32_t Store(std::string_view chunk, HttpResult& result)
+// Both return 0 or the error that ends the transfer, and set result.cancelled to end it without one. `offset` is how
+// much of the file was there before the body.
+
+struct MemorySink {
+  std::string& body;
+  uint64_t offset = 0;
+
+  uint32_t Begin(const HttpHead& head, HttpResult&) {
+    if (head.withoutGzip) body.clear();
+    return ERROR_SUCCESS;
+  }
+  uint32_t Store(std::string_view chunk, HttpResult&) {
+    body.append(chunk);
+    return ERROR_SUCCESS;
+  }
+};
+
+struct FileSink {
+  const std::wstring& path;
+  uint64_t resumeOffset;
+  DownloadProgressCallback callback;
+  uint32_t& speedLimit;  // the client's
+  uint64_t offset = 0;
+  DownloadProgress progress = {};
+  FileHandle file = {};
+
+  uint32_t Begin(const HttpHead& head, HttpResult& result) {
+    if (file) return BeginAgain(result);
+    // Any other answer is the whole file.
+    offset = head.statusCode == HTTP_STATUS_PARTIAL_CONTENT ? resumeOffset : 0;
+    progress.speedLimit = speedLimit;
+    progress.total = result.total;
+    if (callback) callback(&progress);
+    result.cancelled = progress.cancel;
+    if (result.cancelled) return ERROR_SUCCESS;
+    progress.transferStartTick = GetTickCount64();
+    progress.downloaded = offset;
+    return Open();
+  }
+
+  uint32_t Store(std::string_view chunk, HttpResult& result) {
+    DWORD written = 0;
+    if (!WriteFile(file.Get(), chunk.data(), static_cast<DWORD>(chunk.size()), &written, nullptr))
+      return GetLastError();
+    if (written != chunk.size()) return ERROR_DISK_FULL;
+    progress.downloaded += chunk.size();
+    progress.speedLimit = speedLimit;
+    if (callback) callback(&progress);
+    result.cancelled = progress.cancel;
+    if (!progress.cancel) speedLimit = progress.speedLimit;
+    return ERROR_SUCCESS;
+  }
+
+ private:
+  // Empties the file where it begins at byte 0; what follows a resume offset stays until it is overwritten.
+  uint32_t Open() {
+    file.Reset(CreateFileW(path.c_str(), FILE_GENERIC_WRITE, FILE_SHARE_WRITE, nullptr,
+                           offset != 0 ? OPEN_ALWAYS : CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    LARGE_INTEGER target;
+    target.QuadPart = static_cast<LONGLONG>(offset);
+    if (file && SetFilePointerEx(file.Get(), target, nullptr, FILE_BEGIN)) return ERROR_SUCCESS;
+    return GetLastError();
+  }
+
+  uint32_t BeginAgain(HttpResult& result) {
+    progress.total = std::max(progress.total, result.total);
+    if (SetFilePointerEx(file.Get(), LARGE_INTEGER{}, nullptr, FILE_BEGIN) && SetEndOfFile(file.Get())) {
+      return ERROR_SUCCESS;
+    }
+    return GetLastError();
+  }
+};
+
+bool IsAccepted(const HttpHead& head) {
+  return head.statusCode == HTTP_STATUS_OK || head.statusCode == HTTP_STATUS_PARTIAL_CONTENT;
 }
 
-void SetDecoding(HINTERNET request, bool enabled) {
-  BOOL value = enabled;
-  WinInet().InternetSetOption(request, INTERNET_OPTION_HTTP_DECODING, &value, sizeof value);
+// Whether an answer can bring the rest of a file whose first `rangeStart` bytes are there: a sign-in page, or a part
+// that begins elsewhere, would destroy them.
+bool CanFollow(const HttpHead& head, uint64_t rangeStart) {
+  if (head.statusCode == HTTP_STATUS_PARTIAL_CONTENT) return !head.contentStart || *head.contentStart == rangeStart;
+  return !head.length || *head.length >= rangeStart;
+}
+
+// 0 when a body may be stored.
+uint32_t TakeHead(const HttpHead& head, uint64_t rangeStart, HttpResult& result) {
+  result.statusCode = head.statusCode;
+  // Taken and closed without a word.
+  if (head.statusCode == 0) return ERROR_INTERNET_CONNECTION_ABORTED;
+  if (!IsAccepted(head)) return ERROR_SUCCESS;
+  result.total = head.announced;
+  return CanFollow(head, rangeStart) ? ERROR_SUCCESS : uint32_t{ERROR_HTTP_INVALID_SERVER_RESPONSE};
+}
+
+// What a body that is over tells. A server or proxy that closes the connection looks like a regular end; the length
+// before decoding would prove nothing, because a tiny body grows by being compressed.
+void Conclude(const HttpHead& head, uint64_t bodyBytes, uint64_t offset, HttpResult& result) {
+  if (result.cancelled || !head.length) return;
+  result.cutShort = bodyBytes < *head.length;
+  if (result.error == ERROR_SUCCESS && offset + bodyBytes < *head.length) {
+    result.error = ERROR_INTERNET_CONNECTION_ABORTED;
+  }
 }
 
 }  // namespace
 
-HttpClient::HttpClient() : userAgent_(app.userAgent), session_(OpenSession(userAgent_)) {}
-
-HttpResult HttpClient::GetToStream(const std::wstring& url, std::string& body) {
-  HttpResult result;
-  OpenedRequest opened;
-  if (!OpenRequest(url, 0, opened, result)) return result;
-  const HINTERNET request = opened.request.Get();
-  if (!ReadResponseHead(request, result)) return result;
-  SpeedLimiter limiter;
-  BodyChunk chunk;
-  for (;;) {
-    if (ReadChunk(request, chunk, result)) {
-      body.append(chunk.bytes, chunk.size);
-      result.received += chunk.size;
-      Throttle(limiter, chunk.size);
-    } else if (gzipEnabled_ && result.error == kErrorDecodingFailed) {
-      body.clear();
-      if (!SendAgainWithoutGzip(request, result)) break;
-    } else {
-      break;
-    }
-  }
-  FlagShortBody(request, 0, result);
-  return result;
+InternetHandle OpenSession(const std::wstring& userAgent) {
+  return InternetHandle(WinInet().InternetOpen(userAgent.c_str(), INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
 }
+
+HttpClient::HttpClient(std::wstring userAgent, std::stop_token stop)
+    : userAgent_(std::move(userAgent)), stop_(std::move(stop)), session_(OpenSession(userAgent_)) {}
 
 bool HttpClient::EnsureSession() {
   if (!session_) session_ = OpenSession(userAgent_);
   return static_cast<bool>(session_);
 }
 
-bool HttpClient::OpenRequest(const std::wstring& url, uint64_t rangeStart, OpenedRequest& opened, HttpResult& result) {
-  const auto fail = [&result] {
-    result.error = GetLastError();
-    return false;
-  };
-  const ParsedUrl target = CrackUrl(url);
-  if (!target.valid) return fail();
-  const INTERNET_PORT port = PortOfScheme(target.scheme);
-  if (port == 0) {
-    result.error = ERROR_INTERNET_UNRECOGNIZED_SCHEME;
-    return false;
-  }
-  if (!EnsureSession()) return fail();
-  opened.connection = InternetHandle(
-      WinInet().InternetConnect(session_.Get(), target.host.c_str(), port, L"", L"", INTERNET_SERVICE_HTTP, 0, 0));
-  if (!opened.connection) return fail();
-  const std::wstring object = target.path + target.extraInfo;
-  const DWORD flags = kGetFlags | (port == INTERNET_DEFAULT_HTTPS_PORT ? INTERNET_FLAG_SECURE : 0);
-  opened.request = InternetHandle(
-      WinInet().HttpOpenRequest(opened.connection.Get(), L"GET", object.c_str(), nullptr, nullptr, nullptr, flags, 0));
-  if (!opened.request) return fail();
-  const HINTERNET request = opened.request.Get();
-  if (rangeStart != 0) {
-    SetHeader(request, L"Range: bytes=" + std::to_wstring(rangeStart) + L"-");
-  } else {
-    if (gzipEnabled_) SetHeader(request, L"Accept-Encoding: gzip");
-    SetDecoding(request, gzipEnabled_);
-  }
-  return SendForgivingly(request, L"", "") || fail();
+HttpResult HttpClient::GetToStream(const std::wstring& url, std::string& body) {
+  MemorySink sink{body};
+  return Receive(url, 0, sink);
 }
 
-bool HttpClient::SendAgainWithoutGzip(HINTERNET request, HttpResult& result) {
-  gzipEnabled_ = false;
-  SetDecoding(request, false);
-  SetHeader(request, L"Accept-Encoding:");  // removes it
-  result.error = ERROR_SUCCESS;
-  if (SendForgivingly(request, L"", "")) return ReadResponseHead(request, result);
-  result.error = GetLastError();
-  return false;
+HttpResult HttpClient::DownloadToFile(const std::wstring& url, const std::wstring& path, uint64_t resumeOffset,
+                                      DownloadProgressCallback callback) {
+  FileSink sink{path, resumeOffset, callback, speedLimit_};
+  return Receive(url, resumeOffset, sink);
 }
 
-void HttpClient::Throttle(SpeedLimiter& limiter, uint32_t bytes) const {
+template <typename Sink>
+HttpResult HttpClient::Receive(const std::wstring& url, uint64_t rangeStart, Sink& sink) {
+  HttpRequest request;
+  request.target = CrackUrl(url);
+  if (request.target.error != ERROR_SUCCESS) return {.error = request.target.error};
+  if (PortOfScheme(request.target.scheme) == 0) return {.error = ERROR_INTERNET_UNRECOGNIZED_SCHEME};
+  if (!EnsureSession()) return {.error = GetLastError()};
+  // Without the second flag the system keeps a copy of every package on its own drive.
+  request.flags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_IGNORE_REDIRECT_TO_HTTPS;
+  request.rangeStart = rangeStart;
+  request.askForGzip = rangeStart == 0 && gzipEnabled_;
+  request.setDecoding = rangeStart == 0;
+  request.timeoutMs = silenceMs_ + kSystemGraceMs;
+  HttpLine line(session_.Get(), std::move(request), stop_, {.silenceMs = silenceMs_});
+
+  HttpResult result;
+  HttpHead head;
+  SpeedLimiter limiter;
+  uint64_t bodyBytes = 0;  // of this answer; a body that is fetched anew counts twice in result.received
+  for (;;) {
+    const HttpEvent event = line.Next();
+    switch (event.kind) {
+      case HttpEvent::Head:
+        head = event.head;
+        bodyBytes = 0;
+        if (head.withoutGzip) gzipEnabled_ = false;
+        result.error = TakeHead(head, rangeStart, result);
+        if (result.error != ERROR_SUCCESS || !IsAccepted(head)) return result;
+        result.error = sink.Begin(head, result);
+        break;
+      case HttpEvent::Bytes:
+        result.error = sink.Store(event.bytes, result);
+        if (result.error != ERROR_SUCCESS) return result;
+        bodyBytes += event.bytes.size();
+        result.received += event.bytes.size();
+        if (!result.cancelled) Throttle(limiter, event.bytes.size());
+        break;
+      case HttpEvent::End:
+        result.error = event.error;
+        result.cancelled = event.stopped;
+        Conclude(head, bodyBytes, sink.offset, result);
+        return result;
+    }
+    if (result.error != ERROR_SUCCESS || result.cancelled) return result;
+  }
+}
+
+void HttpClient::Throttle(SpeedLimiter& limiter, size_t bytes) const {
   if (speedLimit_ == 0) return;
-  if (const uint32_t pause = limiter.OnChunk(bytes, speedLimit_, GetTickCount64())) Sleep(pause);
+  if (const uint32_t pause = limiter.OnChunk(static_cast<uint32_t>(bytes), speedLimit_, GetTickCount64())) Sleep(pause);
 }

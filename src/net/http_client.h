@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <stop_token>
 #include <string>
 
+#include "net/http_line.h"
 #include "net/http_result.h"
 #include "net/speed_limiter.h"
 #include "net/wininet_api.h"
@@ -19,44 +21,45 @@ struct DownloadProgress {
 };
 using DownloadProgressCallback = void (*)(DownloadProgress*);
 
-// One transfer's handles, closed in the reverse order.
-struct OpenedRequest {
-  InternetHandle connection;
-  InternetHandle request;
-};
+// A line that says nothing for so long is broken.
+inline constexpr uint32_t kSilenceMs = 30'000;
 
 class HttpClient {
  public:
-  // Uses app.userAgent. A failure shows in the first transfer.
-  HttpClient();
+  // A failure shows in the first transfer. `stop` ends a transfer at once, wherever it waits.
+  explicit HttpClient(std::wstring userAgent, std::stop_token stop = {});
 
   // Bytes per second, 0 = no limit.
   void SetSpeedLimit(uint32_t bytesPerSecond) { speedLimit_ = bytesPerSecond; }
   // Whether transfers from byte 0 ask for gzip (WinINet decodes it). On at first; a body that can't be decoded turns
   // it off for good.
   void SetGzipEnabled(bool enabled) { gzipEnabled_ = enabled; }
+  // How long a transfer waits without a byte, kSilenceMs at first.
+  void SetSilence(uint32_t milliseconds) { silenceMs_ = milliseconds; }
 
   // Appends the body to `body`, which is emptied first only where a body is fetched a second time without gzip.
   HttpResult GetToStream(const std::wstring& url, std::string& body);
 
-  // Stores the body in a file, from byte `resumeOffset` on; a server that ignores the range replaces the whole file.
-  // `callback` may be null. Nothing is deleted on failure, so that a later call can resume. A write that fails ends
-  // the transfer with its error.
+  // Stores the body in a file, from byte `resumeOffset` on; a server that ignores the range replaces the whole file,
+  // unless what it announces is shorter than what is there. `callback` may be null. Nothing is deleted on failure, so
+  // that a later call can resume. A write that fails ends the transfer with its error.
   HttpResult DownloadToFile(const std::wstring& url, const std::wstring& path, uint64_t resumeOffset,
                             DownloadProgressCallback callback);
 
  private:
   bool EnsureSession();
-  // Opens and sends a GET request. False when there is no answer; `result.error` then tells why.
-  bool OpenRequest(const std::wstring& url, uint64_t rangeStart, OpenedRequest& opened, HttpResult& result);
-  // Turns gzip off and sends an opened request once more. False as for OpenRequest, or when it is refused.
-  bool SendAgainWithoutGzip(HINTERNET request, HttpResult& result);
-  void ReceiveIntoFile(HINTERNET request, HANDLE file, DownloadProgressCallback callback, DownloadProgress& progress,
-                       HttpResult& result);
-  void Throttle(SpeedLimiter& limiter, uint32_t bytes) const;
+  // Asks for `url` and hands what comes to the sink; see http_client.cpp for what that is.
+  template <typename Sink>
+  HttpResult Receive(const std::wstring& url, uint64_t rangeStart, Sink& sink);
+  void Throttle(SpeedLimiter& limiter, size_t bytes) const;
 
   std::wstring userAgent_;
+  std::stop_token stop_;
   bool gzipEnabled_ = true;
   uint32_t speedLimit_ = 0;
+  uint32_t silenceMs_ = kSilenceMs;
   InternetHandle session_;
 };
+
+// Opens a WinINet session with the system's proxy settings.
+InternetHandle OpenSession(const std::wstring& userAgent);

@@ -1,6 +1,7 @@
 // Form posts over WinINet, fire and forget. An instance belongs to the thread that made it.
 #pragma once
 
+#include <stop_token>
 #include <string>
 
 #include "net/crack_url.h"
@@ -8,8 +9,8 @@
 
 class HttpPostClient {
  public:
-  // Uses app.userAgent; all time-outs are 3 seconds.
-  HttpPostClient();
+  // All time-outs are 3 seconds. `stop` leaves a post that is under way, and each later one, 2 seconds at most.
+  explicit HttpPostClient(std::wstring userAgent, std::stop_token stop = {});
 
   // The http or https address that forms go to. With any other address PostForm does nothing.
   void SetUrl(const std::wstring& url);
@@ -19,10 +20,9 @@ class HttpPostClient {
 
  private:
   bool EnsureSession();
-  void ApplyTimeouts();
 
   std::wstring userAgent_;
+  std::stop_token stop_;
   ParsedUrl target_;
-  INTERNET_PORT port_ = 0;  // 0: no target
   InternetHandle session_;
 };

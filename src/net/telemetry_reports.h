@@ -10,6 +10,13 @@
 #include <string>
 #include <string_view>
 
+// URL encoding of form values. Byte by byte: letters, digits and -_.!~*'() stay, a blank becomes "+", the rest "%" and
+// two lower-case digits.
+std::string FormEncode(std::string_view bytes);
+
+// The text's UTF-8 bytes, encoded the same way.
+std::string FormEncodeUtf8(std::wstring_view text);
+
 // Statistics of one package of a run.
 struct StatsRecord {
   std::string source;       // key of the last source tried that is not the selected one

@@ -5,7 +5,8 @@
 #include <optional>
 #include <string>
 
-// A file or folder of that name exists.
+// Whether a file or folder of that name exists: 0, or the Win32 error of the look at it.
+uint32_t FindPath(const std::wstring& path);
 bool PathExists(const std::wstring& path);
 
 // A file exists whose size is not 0.
@@ -23,6 +24,22 @@ uint32_t CreateDirectories(const std::wstring& path);
 
 // The whole file as bytes; nothing when it can't be opened or read.
 std::optional<std::string> ReadWholeFile(const std::wstring& path);
+
+// Seconds since the file was last written, negative for a time to come; nothing when it can't be told.
+std::optional<int64_t> FileAgeSeconds(const std::wstring& path);
+
+// Takes the attributes from a file that keep it from being overwritten (read-only, hidden, system). True when it had
+// any and could be changed.
+bool RemoveProtection(const std::wstring& path);
+
+// Creates or replaces a file with these bytes and attributes (FILE_ATTRIBUTE_...). Returns 0 or the Win32 error, after
+// which the file may be there in part.
+uint32_t WriteWholeFile(const std::wstring& path, const std::string& bytes, uint32_t attributes);
+
+// Replaces a file's content, or creates it, so that whatever happens the old or the new content is there whole. Returns
+// 0 or the Win32 error. A file that may not be written is left alone, also by an elevated process that could replace
+// it.
+uint32_t ReplaceFileContent(const std::wstring& path, const std::string& bytes);
 
 // The user's folder of that CSIDL_... number; empty when there is none.
 std::wstring SpecialFolder(int csidl);

@@ -1,8 +1,9 @@
-// Starting other programs, opening web addresses, and repairing the permissions of the application-data folders.
+// Starting other programs, and opening web addresses.
 #pragma once
 
 #include <windows.h>
 
+#include <cstdint>
 #include <string>
 
 // Programs inherit the error mode of the one that starts them, and with ours would hide that a library of theirs is
@@ -18,16 +19,13 @@ class DefaultErrorMode {
   const UINT own_;
 };
 
-// Starts a program without waiting for it, elevated through the consent prompt or normally. True when it was started;
-// otherwise, with `reportFailure`, a message box without owner has told why.
-bool RunProcess(bool elevated, bool reportFailure, const std::wstring& file, const std::wstring& parameters);
+// Starts a program without waiting for it, elevated through the consent prompt or normally. Returns 0, or the system
+// error; a start whose elevation was refused is not tried without.
+uint32_t StartProgram(bool elevated, const std::wstring& file, const std::wstring& parameters);
+
+// Starts a program elevated in this folder, where it looks for what it starts by a bare name, and waits for its end,
+// whatever that is, serving the windows of the calling thread. False when it could not be started.
+bool RunElevated(const std::wstring& file, const std::wstring& parameters, const std::wstring& folder);
 
 // Opens a web address in the user's browser; where that fails, nothing happens.
 void OpenAddress(const std::wstring& address);
-
-// Grants the user and the built-in Users group full control of the application-data folders, with an elevated icacls,
-// and waits for its end. False only when it could not be started.
-bool RepairPermissions();
-
-// The command line that RepairPermissions gives to the command interpreter.
-std::wstring BuildRepairParameters(const std::wstring& appDataPath, const std::wstring& userName);

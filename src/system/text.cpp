@@ -1,5 +1,7 @@
 #include "system/text.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -99,4 +101,36 @@ bool ReplaceFirst(std::string& text, std::string_view from, std::string_view to)
   if (position == std::string::npos) return false;
   text.replace(position, from.size(), to);
   return true;
+}
+
+std::string FromTextFile(const std::string& bytes) {
+  std::string text;
+  text.reserve(bytes.size());
+  for (size_t i = 0; i < bytes.size(); ++i) {
+    const bool lineEnd = bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n';
+    if (!lineEnd) text += bytes[i];
+  }
+  return text;
+}
+
+std::string ToTextFile(const std::string& text) {
+  std::string bytes;
+  bytes.reserve(text.size());
+  for (const char c : text) {
+    if (c == '\n') bytes += '\r';
+    bytes += c;
+  }
+  return bytes;
+}
+
+uint32_t PercentOf(uint64_t part, uint64_t whole) {
+  if (whole == 0) return 0;
+  const double percent = static_cast<double>(part) * 100.0 / static_cast<double>(whole);
+  return percent < UINT32_MAX ? static_cast<uint32_t>(percent) : UINT32_MAX;
+}
+
+std::wstring OneLine(std::wstring text) {
+  std::replace_if(
+      text.begin(), text.end(), [](wchar_t c) { return c < L' '; }, L'?');
+  return text;
 }

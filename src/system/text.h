@@ -20,5 +20,15 @@ std::string WideToUtf8(std::wstring_view wide);
 // no pieces.
 std::vector<std::string> SplitKeepingEmpty(std::string_view text, char separator);
 
+// The text on one line: "?" for each of its control characters.
+std::wstring OneLine(std::wstring text);
+
+// `part` of `whole` in percent, truncated and at most 4294967295; 0 when `whole` is 0.
+uint32_t PercentOf(uint64_t part, uint64_t whole);
+
 // Replaces the first occurrence of `from`; true when there was one.
 bool ReplaceFirst(std::string& text, std::string_view from, std::string_view to);
+
+// What reading and writing a file in text mode does to line ends: CR LF becomes LF, and LF becomes CR LF.
+std::string FromTextFile(const std::string& bytes);
+std::string ToTextFile(const std::string& text);

@@ -1,4 +1,4 @@
-#include "net/form_encoding.h"
+#include "net/telemetry_reports.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/context.h"
+#include "core/context.h"
 #include "manifest/manifest_store.h"
 #include "support/exchanged.h"
 #include "support/temp_folder.h"
@@ -14,5 +14,5 @@ inline void LoadTestManifest(const std::string& document) {
   const TempFolder folder;
   const Exchanged manifestPath(app.manifestPath, folder / L"manifest.xml");
   manifestBuffer = document;
-  EXPECT_GT(LoadManifest(true), 0);
+  EXPECT_GT(LoadManifest(), 0);
 }

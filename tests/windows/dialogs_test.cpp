@@ -1,10 +1,10 @@
 // What the dialogs show and do.
 #include <set>
 
-#include "app/localization.h"
-#include "app/settings.h"
-#include "app/update_dialog.h"
+#include "core/localization.h"
+#include "core/settings.h"
 #include "support/opened_dialog.h"
+#include "update/update_dialog.h"
 
 namespace {
 

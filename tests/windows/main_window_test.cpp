@@ -1,9 +1,10 @@
 // The main window with its menu and its pages.
 #include "app/main_window.h"
 
-#include "app/localization.h"
+#include "app/component_list.h"
 #include "app/main_menu.h"
-#include "manifest/component_list.h"
+#include "app/window_scale.h"
+#include "core/localization.h"
 #include "support/shell_recorder.h"
 #include "support/test_manifest.h"
 #include "support/test_window.h"
@@ -15,7 +16,6 @@ using Names = std::vector<std::string>;
 class MainWindow : public testing::Test {
  protected:
   MainWindow() {
-    app.upward.buildMainMenu = BuildMainMenu;
     LoadTestManifest(R"(<downloader>
       <sources default="us"><source key="us" title="Salt &amp; Pepper"/><source key="eu" title="Europe"/></sources><packages>
       <package><filename value="z"/><default value="true"/><size value="3000"/><upsize value="7000"/></package>
@@ -23,8 +23,10 @@ class MainWindow : public testing::Test {
       <package><filename value="n"/><upsize value="77"/></package>
       <package><filename value="t"/><default value="true"/><size value="500"/><upsize value="1000"/></package>
       </packages></downloader>)");
-    PopulateComponentList();
+    Populate();
   }
+
+  void Populate() const { window_.Run(PopulateComponentList); }
 
   LRESULT Send(UINT message, WPARAM wParam, LPARAM lParam) const {
     return SendMessageW(window_.Window(), message, wParam, lParam);
@@ -45,7 +47,7 @@ TEST_F(MainWindow, TotalFollowsTheCheckBoxes) {
   window_.Run([] { CheckOnlyComponent(2); });
   EXPECT_EQ(Total(), L"") << "nothing to download, though something to install";
   app.installList.Set({"b", "unknown", "n"});
-  PopulateComponentList();
+  Populate();
   EXPECT_EQ(CheckedComponents(), (Names{"b", "n"})) << "the command line overrides the defaults";
 }
 
@@ -53,7 +55,7 @@ TEST_F(MainWindow, ShowsTitlesHintsAndCommands) {
   LoadTestManifest(
       "<downloader><packages><package><filename value='q'/><title>\xD0\x96</title>"
       "<tooltip>Hint</tooltip></package></packages></downloader>");
-  PopulateComponentList();
+  Populate();
   const HWND list = window_.Components().itemsView;
   wchar_t text[64] = L"";
   ListView_GetItemText(list, 0, 0, text, 64);
@@ -77,6 +79,42 @@ TEST_F(MainWindow, LanguageChangesEverythingButTheWorkersTexts) {
   Send(WM_COMMAND, LANG_ENGLISH, 0);
   EXPECT_EQ(TextOf(window_.Installation().packageLabel), L"worker's text");
   EXPECT_TRUE(TextOf(window_.Installation().deleteTmpCheckbox).starts_with(L"Delete created"));
+}
+
+// Where each control stands in the window, and how high its text is.
+std::vector<std::vector<int>> Layout(HWND window) {
+  std::vector<std::vector<int>> layout;
+  for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+    RECT place{};
+    GetWindowRect(child, &place);
+    MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+    LOGFONTW font{};
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(child, WM_GETFONT, 0, 0)), sizeof font, &font);
+    layout.push_back({place.left, place.top, place.right - place.left, place.bottom - place.top, font.lfHeight});
+  }
+  return layout;
+}
+
+TEST_F(MainWindow, FollowsTheScaleOfTheScreenThatItComesTo) {
+  const std::function<void()> pages[] = {[] {}, ShowInstallPage, ShowClosingPage};
+  for (const auto& show : pages) {
+    window_.Run(show);
+    const auto unscaled = Layout(window_.Window());
+    for (const int dpi : {144, 192, 96}) {
+      auto expected = unscaled;
+      for (auto& control : expected) {
+        for (int& length : control) length = MulDiv(length, dpi, 96);
+      }
+      const RECT proposed{30, 40, 50, 60};
+      Send(kScaleChangedMessage, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&proposed));
+      EXPECT_EQ(Layout(window_.Window()), expected) << "page " << app.currentPage << " at " << dpi;
+      RECT place{};
+      GetWindowRect(window_.Window(), &place);
+      EXPECT_EQ(place.left, proposed.left);
+      EXPECT_EQ(place.top, proposed.top);
+      EXPECT_EQ(CheckedComponents(), app.currentPage == ComponentsPage ? (Names{"z", "t"}) : Names{});
+    }
+  }
 }
 
 TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {

@@ -2,22 +2,23 @@
 
 #include <filesystem>
 
-#include "app/site.h"
+#include "app/manifest_thread.h"
+#include "core/site.h"
 #include "manifest/manifest_retrieval.h"
+#include "support/box_recorder.h"
 #include "support/install_scenario.h"
 
 using ManifestStore = InstallScenario;
 
 static const std::string kPackage = "<packages><package><title>\xD0\x96&lt;</title></package></packages>";
 
-static int Fetch(const std::string& content, bool suppressSelfUpdate = false) {
+static int Fetch(const std::string& content) {
   manifestBuffer = "\xEF\xBB\xBF<downloader>" + content + "</downloader>";
-  return LoadManifest(suppressSelfUpdate);
+  return LoadManifest();
 }
 
 TEST_F(ManifestStore, WhatWasFetchedIsCachedWithoutItsUpdater) {
-  app.upward.runSelfUpdate = [](const UpdaterInfo&) { FAIL() << "it was to be suppressed"; };
-  EXPECT_EQ(Fetch("<updater md5='m'/>" + kPackage, true), 1);
+  EXPECT_EQ(Fetch("<updater md5='m'/>" + kPackage), 1);
   const auto before = CurrentManifest();
   const std::string cache = ReadTestFile(app.manifestPath);
   EXPECT_EQ(cache.find("updater"), std::string::npos);
@@ -25,14 +26,14 @@ TEST_F(ManifestStore, WhatWasFetchedIsCachedWithoutItsUpdater) {
   EXPECT_EQ(CurrentManifest(), before);
   EXPECT_EQ(ReadTestFile(app.manifestPath), cache);
   manifestBuffer.clear();
-  EXPECT_EQ(LoadManifest(false), 1);
+  EXPECT_EQ(LoadManifest(), 1);
   EXPECT_EQ(CurrentManifest()->packages.at("").title, L"\u0416<");
 }
 
 TEST_F(ManifestStore, ACacheOfTheLastHourSparesTheNetwork) {
   Fetch(kPackage);
   server_.Answer("/play/files/repository.php", Serving("<downloader>" + kPackage + "</downloader>"));
-  for (const auto& [ageSeconds, requests] : {std::pair(3590, 0u), {3610, 1u}, {0, 1u}}) {
+  for (const auto& [ageSeconds, requests] : {std::pair(3590, 0u), {3610, 1u}, {0, 1u}, {-100, 2u}}) {
     using namespace std::filesystem;
     last_write_time(app.manifestPath, file_time_type::clock::now() - std::chrono::seconds(ageSeconds));
     ManifestThreadProc(nullptr);
@@ -45,4 +46,15 @@ TEST_F(ManifestStore, UrlTellsTheRepositoryWhatApplies) {
   app.darkMode = true;
   app.startupWaitMs = 4294967295u;
   EXPECT_EQ(BuildManifestUrl(), RepositoryAddress() + L"?l=9&u=0aB&dt=1&sd=4294967295");
+}
+
+TEST_F(ManifestStore, AnAnswerThatIsNoManifestIsTold) {
+  for (const char* answer : {"<html><body>Sign in</body></html>", "<downloader><packages>", "no XML"}) {
+    const BoxRecorder boxes({IDOK});
+    server_.Answer("/play/files/repository.php", Serving(answer));
+    ManifestThreadProc(nullptr);
+    ASSERT_EQ(boxes.Boxes().size(), 1u) << answer;
+    EXPECT_TRUE(boxes.Boxes()[0].text.starts_with(L"Error: 13\n"));
+    EXPECT_NE(boxes.Boxes()[0].text.find(L"Unable to download packages list"), std::wstring::npos);
+  }
 }

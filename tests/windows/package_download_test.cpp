@@ -1,23 +1,21 @@
 #include "install/package_download.h"
 
-#include "install/source_attempt.h"
-#include "net/network_errors.h"
+#include "install/transfer_status.h"
 #include "support/box_recorder.h"
-#include "support/exchanged.h"
 #include "support/install_scenario.h"
 #include "support/wininet_faults.h"
 #include "system/text.h"
 
-static int pauses;
-static void CountPause() { ++pauses; }
-
 class PackageDownloadTest : public InstallScenario {
  protected:
+  PackageDownloadTest() { run_.retryRules.pauseMs = 0; }
+
   // Downloads the package as if for the first time in a run, but with what is in the folder.
   DownloadOutcome Download() {
     run_.errorRecords.clear();
+    run_.proven.clear();
     requestsBefore_ = server_.Requests().size();
-    pauses = 0;
+    transferStatus.retryCount = 0;
     return DownloadPackage(run_, package_, 0, 1);
   }
   // What the last request of that asked for.
@@ -29,7 +27,6 @@ class PackageDownloadTest : public InstallScenario {
   }
 
   size_t requestsBefore_ = 0;
-  const Exchanged<void (*)()> pause_{pauseBeforeRetry, CountPause};
 };
 
 TEST_F(PackageDownloadTest, KeepsResumesOrReplacesWhatIsThere) {
@@ -40,6 +37,7 @@ TEST_F(PackageDownloadTest, KeepsResumesOrReplacesWhatIsThere) {
       {"wrong", kOther, right, "all"},         {"too long", kFox + "!", right, "all"},
       {"other", half, "44|" + kFoxMd5, "all"}, {"without a record", kFox, "", "all"}};
   for (const auto& [what, file, record, requested] : cases) {
+    run_.proven.clear();
     WriteTestFile(file_, file);
     DeleteFileW(stat.c_str());  // it is hidden, and such a file can't be overwritten
     WriteTestFile(stat, record);
@@ -54,19 +52,19 @@ TEST_F(PackageDownloadTest, KeepsResumesOrReplacesWhatIsThere) {
 TEST_F(PackageDownloadTest, TheSelectedSourceIsTriedFirstThenTheOthersInOrder) {
   const std::string missing = "http://zendora.example/missing";
   package_.sources = {{"a", missing}, {"main", missing}, {"b", "https://zendora.example/fox"}};
-  const SendFaults faults({0, 0, kErrorSecureChannel});
+  const SendFaults faults({0, 0, ERROR_INTERNET_SECURITY_CHANNEL_ERROR});
   EXPECT_EQ(Download(), DownloadOutcome::Done);
   EXPECT_EQ(run_.errorRecords, "\r\npackage=fox&source=main&code=404&size=0\r\npackage=fox&source=a&code=404&size=0");
 }
 
 TEST_F(PackageDownloadTest, TheUserIsToldWhyTheLastSourceFailed) {
   const DWORD authority = ERROR_INTERNET_INVALID_CA;  // asked once more, with other options
-  const std::tuple<const char*, std::deque<DWORD>, std::string, int> cases[] = {
-      {"https", {kErrorSecureChannel, kErrorCannotConnect}, "12029", 0},
-      {"http", {kErrorSecureChannel}, "12157", 0},
+  const std::tuple<const char*, std::deque<DWORD>, std::string, uint32_t> cases[] = {
+      {"https", {ERROR_INTERNET_SECURITY_CHANNEL_ERROR, ERROR_INTERNET_CANNOT_CONNECT}, "12029", 0},
+      {"http", {ERROR_INTERNET_SECURITY_CHANNEL_ERROR}, "12157", 0},
       {"http", {authority, authority}, "12045", 0},
-      {"http", std::deque<DWORD>(61, kErrorCannotConnect), "12029", 60},
-      {"http", {kErrorTimeout, 12018}, "12018", 1},
+      {"http", std::deque<DWORD>(61, ERROR_INTERNET_CANNOT_CONNECT), "12029", 60},
+      {"http", {ERROR_INTERNET_TIMEOUT, 12018}, "12018", 1},
   };
   for (const auto& [scheme, sendErrors, error, retries] : cases) {
     const BoxRecorder boxes({IDYES});
@@ -74,7 +72,7 @@ TEST_F(PackageDownloadTest, TheUserIsToldWhyTheLastSourceFailed) {
     package_.sources["main"] = scheme + std::string("://zendora.example/fox");
     EXPECT_EQ(Download(), DownloadOutcome::FailedRetry);
     EXPECT_EQ(run_.errorRecords, "\r\npackage=fox&source=main&code=0&error=" + error + "&size=0");
-    EXPECT_EQ(pauses, retries) << error;
+    EXPECT_EQ(transferStatus.retryCount, retries) << error;
     EXPECT_EQ(boxes.Boxes().at(0).text, L"There was an error during download\n\nPackage: The Fox\n\nError code: " +
                                             WidenBytes(error) + L"\n\nWould you like to try again?");
   }
@@ -85,4 +83,26 @@ TEST_F(PackageDownloadTest, UnsafeNamesAreRefused) {
   package_.filename = "..\\fox";
   EXPECT_EQ(Download(), DownloadOutcome::FailedStop);
   EXPECT_EQ(Requested(), "nothing");
+}
+
+// A proxy that ends each answer early, as if it were over.
+TEST_F(PackageDownloadTest, AnswersThatAreCutShortAreGoneOnWith) {
+  ScriptedAnswer cut = Serving(kFox);
+  cut.closeAfter = 10;
+  server_.Answer("/fox", cut);
+  EXPECT_EQ(Download(), DownloadOutcome::Done);
+  EXPECT_EQ(ReadTestFile(file_), kFox);
+  EXPECT_EQ(server_.Requests().size(), 5u);
+  EXPECT_EQ(run_.errorRecords, "");
+}
+
+TEST_F(PackageDownloadTest, WhatWasProvenCantBeChanged) {
+  EXPECT_EQ(Download(), DownloadOutcome::Done);
+  EXPECT_TRUE(IsProven(run_, package_));
+  EXPECT_FALSE(DeleteFileW(file_.c_str()));
+  const FileHandle writable(CreateFileW(file_.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                        OPEN_EXISTING, 0, nullptr));
+  EXPECT_FALSE(writable);
+  package_.md5 = kOtherMd5;
+  EXPECT_FALSE(IsProven(run_, package_)) << "another version of the package";
 }

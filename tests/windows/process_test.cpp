@@ -1,5 +1,6 @@
-#include "system/process.h"
+#include "ui/message_boxes.h"
 
+#include "core/permissions.h"
 #include "net/error_text.h"
 #include "support/box_recorder.h"
 #include "support/shell_recorder.h"

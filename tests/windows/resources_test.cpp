@@ -1,8 +1,8 @@
 // Texts in all languages.
 #include <gtest/gtest.h>
 
-#include "app/context.h"
-#include "app/localization.h"
+#include "core/context.h"
+#include "core/localization.h"
 #include "system/text.h"
 
 namespace {

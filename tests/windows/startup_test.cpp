@@ -1,8 +1,8 @@
 // What start-up settles before there is a window.
 #include <gtest/gtest.h>
 
-#include "app/context.h"
-#include "app/settings.h"
+#include "core/context.h"
+#include "core/settings.h"
 #include "support/temp_folder.h"
 #include "system/files.h"
 #include "system/text.h"

@@ -3,10 +3,10 @@
 
 #include <memory>
 
-#include "app/context.h"
-#include "app/localization.h"
+#include "core/context.h"
+#include "core/localization.h"
+#include "install/game_paths.h"
 #include "install/transfer_status.h"
-#include "manifest/game_paths.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "app/theme.h"
+#include "ui/theme/theme.h"
 
 #include <map>
 
-#include "app/theme_api.h"
-#include "app/theme_brushes.h"
 #include "resource.h"
 #include "support/opened_dialog.h"
+#include "ui/theme/theme.h"
+#include "ui/theme/theme_api.h"
 
 namespace {
 

@@ -17,19 +17,18 @@
 #include <string>
 #include <vector>
 
-#include "app/context.h"
-#include "app/page_controls.h"
-#include "install/entry_names.h"
+#include "core/context.h"
+#include "install/package_texts.h"
 #include "install/zip_extraction.h"
 #include "net/crack_url.h"
 #include "net/file_hash.h"
 #include "net/http_client.h"
-#include "net/http_request.h"
 #include "support/installer_window.h"
 #include "system/files.h"
 #include "system/handles.h"
 #include "system/path_names.h"
 #include "system/text.h"
+#include "ui/page_controls.h"
 
 #include <iowin32.h>  // after unzip.h, whose types it uses
 
@@ -79,7 +78,7 @@ void DownloadBare(const std::wstring& url, const std::wstring& path) {
 void IgnoreProgress(DownloadProgress*) {}
 
 void MeasureDownload(const std::wstring& url, const std::wstring& path) {
-  HttpClient client;
+  HttpClient client(L"bench");
   client.SetGzipEnabled(false);
   const double program = SecondsOf([&] {
     if (client.DownloadToFile(url, path, 0, IgnoreProgress).received == 0) GiveUp("the download");
@@ -118,7 +117,7 @@ void MeasureExtraction(const std::wstring& archive, const std::wstring& folder) 
   InitCommonControls();
   app.mainWindow = CreateWindowExW(0, L"Static", L"", WS_POPUP, 0, 0, 600, 480, nullptr, nullptr, nullptr, nullptr);
   app.installPage = new InstallPageControls(app.mainWindow);
-  Installation run;
+  RunState run;
   run.tmpPath = ParentFolder(archive);
   Package package;
   package.filename = WideToUtf8(LastComponent(archive));

@@ -15,7 +15,9 @@ fi
 ip link set lo up
 hosts=$(mktemp -p "$build" hosts.XXXXXX)
 chmod 644 "$hosts"
-printf '127.0.0.1 localhost zendora.example mirror.zendora.example\n' >"$hosts"
+# A build for another site has its host here, too.
+site_hosts=$(sed -n 's|^ZENDORA_SITE_BASE:STRING=https\?://||p' "$build"/*/CMakeCache.txt 2>/dev/null | sort -u | tr '\n' ' ')
+printf '127.0.0.1 localhost mirror.zendora.example %s %s\n' zendora.example "$site_hosts" >"$hosts"
 mount --bind "$hosts" /etc/hosts
 rm -f "$hosts"
 exec "$@"

@@ -5,6 +5,8 @@ source "$(dirname "$0")/../common.sh"
 packages=(
   # the cross compiler and the build
   g++ g++-mingw-w64-i686-posix binutils-mingw-w64-i686 cmake ninja-build dpkg-dev ca-certificates
+  # what zendora-publish is made with, and what signs the program
+  libcli11-dev nlohmann-json3-dev libcurl4-openssl-dev libssl-dev osslsigncode
   # the linters
   clang-format clang-tidy cppcheck shellcheck pylint cmake-format cloc
   # Wine, with both word sizes and TLS for each

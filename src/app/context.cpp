@@ -1,3 +1,0 @@
-#include "app/context.h"
-
-AppContext& app = *new AppContext;

@@ -1,0 +1,3 @@
+#include "core/context.h"
+
+AppContext& app = *new AppContext;

@@ -1,0 +1,33 @@
+// Whether and when a transfer that failed is tried once more. The same for the manifest, packages and the self-update.
+#pragma once
+
+#include <cstdint>
+#include <stop_token>
+
+#include "net/http_result.h"
+
+struct RetryRules {
+  static constexpr uint32_t kForEver = UINT32_MAX;
+
+  uint32_t most = kForEver;      // retries in a row that lead no further
+  uint32_t pauseMs = 1000;       // before each
+  bool mustLeadFurther = false;  // a retry that brings data, but no more than the attempt before it, is the last one
+};
+
+class Retries {
+ public:
+  explicit Retries(RetryRules rules) : rules_(rules) {}
+
+  // To be asked after every attempt. `reached` is how many bytes of the file or document are there now. True when a
+  // brief outage, or an answer that was cut short, may be over with the next attempt.
+  bool AnotherAfter(const HttpResult& attempt, uint64_t reached);
+
+  // Waits before a retry. False when `stop` came first.
+  bool Pause(const std::stop_token& stop) const;
+
+ private:
+  RetryRules rules_;
+  bool first_ = true;
+  uint32_t fruitless_ = 0;
+  uint64_t farthest_ = 0, previous_ = 0;
+};
