@@ -63,9 +63,9 @@ bool IsDistrust(CURLcode code) { return code == CURLE_PEER_FAILED_VERIFICATION |
 std::optional<std::time_t> CertificateEnd(CURL* curl) {
   const curl_certinfo* chain = nullptr;
   if (curl_easy_getinfo(curl, CURLINFO_CERTINFO, &chain) != CURLE_OK || !chain || chain->num_of_certs == 0) return {};
-  constexpr std::string_view kName = "Expire date:";
+  constexpr std::string_view kName = "expire date:";  // in the letter case of either TLS library
   for (const curl_slist* field = chain->certinfo[0]; field; field = field->next) {
-    if (!std::string_view(field->data).starts_with(kName)) continue;
+    if (!LowerAscii(field->data).starts_with(kName)) continue;
     const std::time_t end = curl_getdate(field->data + kName.size(), nullptr);
     if (end != -1) return end;
   }
