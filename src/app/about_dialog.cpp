@@ -70,4 +70,4 @@ INT_PTR CALLBACK AboutProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 
 }  // namespace
 
-void AboutDialog() { DialogBoxParamW(app.instance, MAKEINTRESOURCEW(DIALOG_ABOUT), app.mainWindow, AboutProc, 0); }
+void AboutDialog() { ShowModalDialog(DIALOG_ABOUT, AboutProc); }

@@ -35,8 +35,8 @@ void RelaunchElevated() {
   }
   app.restartArgs = WidenBytes(InstallCommandLine(packages, *app.selectedSource.Get()));
   app.commandLine.clear();
-  app.restartRequested = true;
   app.restartElevated = true;
+  app.restartRequested = true;
   PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
 }
 

@@ -14,6 +14,7 @@
 #include "manifest/manifest_store.h"
 #include "system/files.h"
 #include "ui/page_controls.h"
+#include "ui/scale.h"
 
 namespace {
 
@@ -39,6 +40,12 @@ void SetChecked(HWND list, int row, bool checked) {
 bool IsChecked(HWND list, size_t row) {
   const LRESULT state = SendMessageW(list, LVM_GETITEMSTATE, row, LVIS_STATEIMAGEMASK);
   return static_cast<UINT>(state) != INDEXTOSTATEIMAGEMASK(kUnchecked);
+}
+
+std::vector<bool> CheckStates(HWND list) {
+  std::vector<bool> checked(static_cast<size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
+  for (size_t row = 0; row < checked.size(); ++row) checked[row] = IsChecked(list, row);
+  return checked;
 }
 
 // The groups of the list, numbered from 1 in the order in which packages mention them.
@@ -99,7 +106,7 @@ void FillList(HWND list, const Manifest& manifest) {
   SendMessageW(list, LVM_ENABLEGROUPVIEW, TRUE, 0);
   listReady = false;
   SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
-  SendMessageW(list, LVM_SETCOLUMNWIDTH, 0, kColumnWidth);
+  SendMessageW(list, LVM_SETCOLUMNWIDTH, 0, Scaled(kColumnWidth));
   SendMessageW(list, LVM_SETITEMCOUNT, manifest.packageOrder.size(), 0);
   InsertRows(list, manifest);
   SendMessageW(list, WM_SETREDRAW, TRUE, 0);
@@ -116,6 +123,21 @@ void PopulateComponentList() {
   listReady = true;
   UpdateTotalSize();
   EnableWindow(page->installButton.Window(), TRUE);
+}
+
+void FitComponentList() {
+  const ComponentsPageControls* page = ShownPage();
+  if (!page) return;
+  const HWND list = page->itemsView;
+  SendMessageW(list, LVM_SETCOLUMNWIDTH, 0, Scaled(kColumnWidth));
+  if (!listReady) return;
+  const std::vector<bool> checked = CheckStates(list);
+  listReady = false;
+  // The list draws its check boxes once, when it gets them, and with them the rows become unchecked.
+  SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, 0);
+  SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
+  for (size_t row = 0; row < checked.size(); ++row) SetChecked(list, static_cast<int>(row), checked[row]);
+  listReady = true;
 }
 
 void UpdateTotalSize() {

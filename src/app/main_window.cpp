@@ -12,6 +12,7 @@
 #include "app/pages.h"
 #include "app/shutdown.h"
 #include "app/single_instance.h"
+#include "app/window_scale.h"
 #include "core/context.h"
 #include "core/localization.h"
 #include "core/settings.h"
@@ -19,14 +20,14 @@
 #include "install/browse_for_path.h"
 #include "install/transfer_status.h"
 #include "system/threads.h"
+#include "ui/mailbox.h"
 #include "ui/message_boxes.h"
 #include "ui/page_controls.h"
+#include "ui/scale.h"
 #include "ui/theme/dark_menu_bar.h"
 #include "ui/theme/theme.h"
 
 namespace {
-
-constexpr int kWindowWidth = 600, kWindowHeight = 480;
 
 void OnInfoTip(NMLVGETINFOTIPW& request) {
   const std::wstring tooltip = ComponentTooltip(request.iItem);
@@ -155,6 +156,7 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
   switch (message) {
     case WM_NCCREATE:
       app.mainWindow = window;  // from the first message on
+      SetScale(DpiOf(window));
       break;
     case WM_DESTROY:
       OnDestroy();
@@ -177,6 +179,9 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case kSpeedTimerMessage:
       OnSpeedTimerRequest(wParam != FALSE);
       return 0;
+    case kShowNotesMessage:
+      pageNotes.OnMessage(window, wParam);
+      return 0;
     case WM_COPYDATA:
       OnForwardedCommandLine(wParam, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
       return 0;
@@ -184,6 +189,12 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       return OnNotify(lParam);
     case WM_COMMAND:
       return OnCommand(window, wParam, lParam);
+    case kScaleChangedMessage:
+      OnScaleChanged(window, LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+      return 0;
+    case kScaledSizeMessage:
+      *reinterpret_cast<SIZE*>(lParam) = MainWindowSizeAt(static_cast<int>(wParam));
+      return TRUE;
     case WM_NCPAINT:
     case WM_NCACTIVATE:
       return OnFramePaint(window, message, wParam, lParam);
@@ -210,13 +221,6 @@ HICON LoadApplicationIcon(HINSTANCE instance, int widthMetric, int heightMetric)
                                        GetSystemMetrics(widthMetric), GetSystemMetrics(heightMetric), LR_SHARED));
 }
 
-void MeasureDesktop() {
-  RECT desktop{};
-  GetClientRect(GetDesktopWindow(), &desktop);
-  app.desktopWidth = desktop.right;
-  app.desktopHeight = desktop.bottom;
-}
-
 }  // namespace
 
 void RegisterMainWindowClass(HINSTANCE instance) {
@@ -241,10 +245,9 @@ bool CreateMainWindow(HINSTANCE instance, int showCommand) {
   MeasureDesktop();
   CreateThemeBrushes();
   const HWND window = CreateWindowExW(0, kWindowClassName, LoadLocalizedString(STR_PRODUCT_TITLE).c_str(),
-                                      WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN,
-                                      (app.desktopWidth - kWindowWidth) / 2, (app.desktopHeight - kWindowHeight) / 2,
-                                      kWindowWidth, kWindowHeight, nullptr, nullptr, instance, nullptr);
+                                      kMainWindowStyle, 0, 0, 0, 0, nullptr, nullptr, instance, nullptr);
   if (!window) return false;
+  PlaceInMiddle(window);
   if (app.darkMode) AllowDarkMode(window);
   ShowComponentsPage();
   SetUiLanguage(app.uiLanguage);

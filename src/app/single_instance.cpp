@@ -46,8 +46,7 @@ bool WaitForMutex() {
 
 // The settings are not read: they belong to the instance that runs.
 void TellOtherInstanceStays() {
-  ResolveUiLanguage(0);
-  SetThreadLanguage(app.uiLanguage);
+  SetThreadLanguage(ResolveUiLanguage(0));
   MessageBoxW(nullptr, LoadLocalizedString(STR_ANOTHER_INSTANCE).c_str(), LoadLocalizedString(STR_ERROR).c_str(),
               MB_ICONERROR);
   ShellExecuteW(nullptr, nullptr, SystemFilePath(L"taskmgr.exe").c_str(), L" /7", nullptr, SW_SHOWDEFAULT);

@@ -114,6 +114,4 @@ INT_PTR CALLBACK SpeedLimitProc(HWND dialog, UINT message, WPARAM wParam, LPARAM
 
 }  // namespace
 
-void SpeedLimitDialog() {
-  DialogBoxParamW(app.instance, MAKEINTRESOURCEW(DIALOG_SPEED_LIMIT), app.mainWindow, SpeedLimitProc, 0);
-}
+void SpeedLimitDialog() { ShowModalDialog(DIALOG_SPEED_LIMIT, SpeedLimitProc); }

@@ -6,6 +6,7 @@
 
 #include "core/context.h"
 #include "system/files.h"
+#include "system/path_names.h"
 #include "system/process.h"
 
 // The Users group goes by its SID, because its name differs between languages.
@@ -19,6 +20,8 @@ bool RepairPermissions() {
   static wchar_t userNameBuffer[UNLEN + 1];
   DWORD capacity = UNLEN + 1;
   GetUserNameW(userNameBuffer, &capacity);
-  // By its full path: of a bare name the shell looks into the current folder first, and this runs elevated.
-  return RunElevated(SystemFilePath(L"cmd.exe"), BuildRepairParameters(app.appDataPath, userNameBuffer));
+  // By its full path, and in the system folder: of a bare name, its own or icacls, the current folder would be searched
+  // first, and this runs elevated.
+  const std::wstring interpreter = SystemFilePath(L"cmd.exe");
+  return RunElevated(interpreter, BuildRepairParameters(app.appDataPath, userNameBuffer), ParentFolder(interpreter));
 }

@@ -7,7 +7,7 @@
 
 #include "core/context.h"
 #include "core/localization.h"
-#include "install/package_download.h"
+#include "install/package_paths.h"
 #include "install/package_texts.h"
 #include "install/run_display.h"
 #include "net/telemetry_reports.h"
@@ -31,10 +31,10 @@ struct InstallerCommand {
   std::wstring program, arguments;
 };
 
-InstallerCommand CommandOf(const Installation& run, const Package& package, const std::wstring& target) {
+InstallerCommand CommandOf(const RunState& run, const Package& package, const std::wstring& target) {
   const std::vector<std::string> pieces = SplitTaskText(package.install);
   InstallerCommand command;
-  command.program = JoinPath(target, WidenBytes(pieces[0]));
+  command.program = PathInTarget(target, pieces[0]);
   if (!FileExistsNonEmpty(command.program)) command.program = PackageFilePath(run, package.filename);
   if (pieces.size() > 1) command.arguments = L" " + WidenBytes(pieces[1]);
   return command;
@@ -88,7 +88,7 @@ void OfferManualStart(const std::wstring& program) {
 
 }  // namespace
 
-uint32_t RunInstallTask(Installation& run, const Package& package, const std::wstring& target) {
+uint32_t RunInstallTask(RunState& run, const Package& package, const std::wstring& target) {
   const InstallerCommand command = CommandOf(run, package, target);
   KernelHandle process;
   if (const DWORD error = Start(command, process)) {

@@ -5,6 +5,7 @@
 
 #include "system/com.h"
 #include "system/handles.h"
+#include "system/threads.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ uint32_t StartProgram(bool elevated, const std::wstring& file, const std::wstrin
   return elevated ? error : StartWithoutShell(file, parameters);
 }
 
-bool RunElevated(const std::wstring& file, const std::wstring& parameters) {
+bool RunElevated(const std::wstring& file, const std::wstring& parameters, const std::wstring& folder) {
   const ComSession session;
   SHELLEXECUTEINFOW start = {};
   start.cbSize = sizeof start;
@@ -44,11 +45,12 @@ bool RunElevated(const std::wstring& file, const std::wstring& parameters) {
   start.lpVerb = L"runas";
   start.lpFile = file.c_str();
   start.lpParameters = parameters.c_str();
+  start.lpDirectory = folder.c_str();
   start.nShow = SW_SHOW;
   ShellExecuteExW(&start);
   const KernelHandle process(start.hProcess);
   if (!process) return false;
-  WaitForSingleObject(process.Get(), INFINITE);
+  WaitServing(process.Get(), nullptr);
   return true;
 }
 

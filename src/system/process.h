@@ -23,8 +23,9 @@ class DefaultErrorMode {
 // error; a start whose elevation was refused is not tried without.
 uint32_t StartProgram(bool elevated, const std::wstring& file, const std::wstring& parameters);
 
-// Starts a program elevated and waits for its end, whatever that is. False when it could not be started.
-bool RunElevated(const std::wstring& file, const std::wstring& parameters);
+// Starts a program elevated in this folder, where it looks for what it starts by a bare name, and waits for its end,
+// whatever that is, serving the windows of the calling thread. False when it could not be started.
+bool RunElevated(const std::wstring& file, const std::wstring& parameters, const std::wstring& folder);
 
 // Opens a web address in the user's browser; where that fails, nothing happens.
 void OpenAddress(const std::wstring& address);

@@ -4,19 +4,23 @@
 
 #include <algorithm>
 
+#include "ui/mailbox.h"
+#include "ui/scale.h"
+
 FontHandle ChangeFontHeight(HWND window, int height) {
   auto current = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
   if (!current) current = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
   LOGFONTW description{};
   GetObjectW(current, sizeof(description), &description);
-  description.lfHeight = height;
+  description.lfHeight = Scaled(height);
   FontHandle font(CreateFontIndirectW(&description));
   SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
   return font;
 }
 
 void PlaceWindow(HWND window, const Place& place) {
-  SetWindowPos(window, nullptr, place.x, place.y, place.width, place.height, SWP_NOZORDER);
+  SetWindowPos(window, nullptr, Scaled(place.x), Scaled(place.y), Scaled(place.width), Scaled(place.height),
+               SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 Control::Control(HWND parent, const wchar_t* windowClass, const std::wstring& text, DWORD style, int id, bool stockFont)
@@ -27,7 +31,7 @@ Control::Control(HWND parent, const wchar_t* windowClass, const std::wstring& te
 
 void Control::SetPlace(const Place& place) const { PlaceWindow(window_, place); }
 
-void Control::SetText(const std::wstring& text) const { SetWindowTextW(window_, text.c_str()); }
+void Control::SetText(const std::wstring& text) const { pageNotes.LeaveText(window_, text); }
 
 void Control::SetFontHeight(int height) { font_ = ChangeFontHeight(window_, height); }
 
@@ -36,7 +40,11 @@ Label::Label(HWND parent, const std::wstring& text, DWORD staticStyle)
 
 PushButton::PushButton(HWND parent, const std::wstring& text) : Control(parent, L"Button", text, WS_TABSTOP, 0, true) {}
 
-void PushButton::PlaceAt(int x, int y, int height) const { SetPlace({x, y, 100, height}); }
+void PushButton::PlaceAt(int x, int y, int height) {
+  constexpr int kStockFontHeight = -11;  // of DEFAULT_GUI_FONT
+  SetPlace({x, y, 100, height});
+  SetFontHeight(kStockFontHeight);
+}
 
 CheckBox::CheckBox(HWND parent, const std::wstring& text, bool checked)
     : Control(parent, L"Button", text, WS_TABSTOP | BS_AUTOCHECKBOX, 0, true) {
@@ -82,7 +90,7 @@ void ProgressBar::PlaceAt(int y) const { SetPlace({10, y, 565, 18}); }
 void ProgressBar::SetPosition(int position) {
   if (position == lastPosition_) return;
   lastPosition_ = position;
-  SendMessageW(Window(), PBM_SETPOS, static_cast<WPARAM>(position), 0);
+  pageNotes.LeavePosition(Window(), position);
 }
 
 int ProgressPosition(uint64_t done, uint64_t total) {

@@ -1,5 +1,6 @@
-// The wrappers through which all threads change the controls of the main window. Each sends window messages and
-// returns when the UI thread has handled them. A wrapper owns its font, not the window, which dies with its parent.
+// The wrappers of the main window's controls. Any thread may set texts and positions: it leaves them in the mailbox of
+// the window (ui/mailbox.h) and goes on. All else belongs to the UI thread. A wrapper owns its font, not the window,
+// which dies with its parent.
 #pragma once
 
 #include <windows.h>
@@ -10,13 +11,14 @@
 #include "system/handles.h"
 #include "system/shared_state.h"
 
-// Positions and sizes in pixels of the parent's client area.
+// Where a control stands in its parent's client area, at 96 dots per inch.
 struct Place {
   int x, y, width, height;
 };
 void PlaceWindow(HWND window, const Place& place);
 
-// Gives a window its current font with another height (a LOGFONT height). The font must live as long as it is used.
+// Gives a window its current font with another height (a LOGFONT height at 96 dots per inch). The font must live as
+// long as it is used.
 FontHandle ChangeFontHeight(HWND window, int height);
 
 // What all wrappers share: a child window, and the font that was made for it.
@@ -28,7 +30,7 @@ class Control {
   HWND Window() const { return window_; }
   void SetPlace(const Place& place) const;
   void SetText(const std::wstring& text) const;
-  // In LOGFONT units; the rest of the font stays.
+  // A LOGFONT height at 96 dots per inch; the rest of the font stays.
   void SetFontHeight(int height);
 
  protected:
@@ -48,8 +50,8 @@ class Label : public Control {
 class PushButton : public Control {
  public:
   PushButton(HWND parent, const std::wstring& text);
-  // The width is always 100.
-  void PlaceAt(int x, int y, int height) const;
+  // The width is always 100, the text that of the system's own buttons.
+  void PlaceAt(int x, int y, int height);
 };
 
 class CheckBox : public Control {
@@ -77,9 +79,9 @@ inline constexpr int kProgressRange = 1000;
 class ProgressBar : public Control {
  public:
   explicit ProgressBar(HWND parent);
-  // 565 x 18 pixels at x = 10.
+  // 565 x 18 at x = 10.
   void PlaceAt(int y) const;
-  // Sends nothing when the position is the last one sent.
+  // Does nothing when the position is the last one set.
   void SetPosition(int position);
 
  private:

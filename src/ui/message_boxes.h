@@ -12,7 +12,7 @@
 // is no error.
 std::wstring FormatErrorMessage(uint32_t error, const std::wstring& extra);
 
-// MessageBoxW owned by the main window.
+// MessageBoxW owned by the main window, which shows before what its mailbox holds.
 int ShowBox(const std::wstring& text, const std::wstring& caption, UINT type);
 
 // The packages list can't be had.

@@ -4,6 +4,9 @@
 
 #include "core/context.h"
 #include "core/localization.h"
+#include "system/text.h"
+#include "ui/mailbox.h"
+#include "ui/scale.h"
 
 namespace {
 
@@ -33,11 +36,10 @@ HWND CreateItemsView(HWND parent) {
   const LPARAM behaviour = LVS_EX_FULLROWSELECT | LVS_EX_INFOTIP | LVS_EX_LABELTIP;
   SendMessageW(view, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, behaviour);
   SendMessageW(view, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_DOUBLEBUFFER, LVS_EX_DOUBLEBUFFER);
-  PlaceWindow(view, kItemsPlace);
 
   LVCOLUMNW column{};
   column.mask = LVCF_WIDTH;
-  column.cx = kItemsPlace.width;
+  column.cx = Scaled(kItemsPlace.width);
   SendMessageW(view, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
   AddPlaceholderRows(view);
   return view;
@@ -51,21 +53,26 @@ ComponentsPageControls::ComponentsPageControls(HWND parent)
       selectFolderButton(parent, {}),
       componentsLabel(parent, LoadLocalizedString(STR_COMPONENTS) + L":"),
       itemsView(CreateItemsView(parent)),
-      itemsViewFont(ChangeFontHeight(itemsView, kLineHeight)),
       totalSizeLabel(parent),
       installButton(parent, LoadLocalizedString(STR_INSTALL)) {
+  Arrange();
+  EnableWindow(installButton.Window(), FALSE);
+  if (!app.isAdmin) SendMessageW(installButton.Window(), BCM_SETSHIELD, 0, TRUE);
+}
+
+void ComponentsPageControls::Arrange() {
   installPathLabel.SetPlace(LineAt(10));
   installPathEdit.SetPlace({10, 31, 460, 21});
   selectFolderButton.PlaceAt(475, 30, 23);
   componentsLabel.SetPlace(LineAt(59));
+  PlaceWindow(itemsView, kItemsPlace);
+  itemsViewFont = ChangeFontHeight(itemsView, kLineHeight);
   totalSizeLabel.SetPlace(LineAt(360));
   installButton.PlaceAt(242, 386, 24);
   for (Control* line : {static_cast<Control*>(&installPathLabel), static_cast<Control*>(&installPathEdit),
                         static_cast<Control*>(&componentsLabel), static_cast<Control*>(&totalSizeLabel)}) {
     line->SetFontHeight(kLineHeight);
   }
-  EnableWindow(installButton.Window(), FALSE);
-  if (!app.isAdmin) SendMessageW(installButton.Window(), BCM_SETSHIELD, 0, TRUE);
 }
 
 InstallPageControls::InstallPageControls(HWND parent)
@@ -78,6 +85,12 @@ InstallPageControls::InstallPageControls(HWND parent)
       logEdit(parent, EDIT_LOG, {}, ES_MULTILINE | WS_VSCROLL),
       deleteTmpCheckbox(parent, LoadLocalizedString(STR_DELETE_TEMP_FILES), app.deleteTmpFiles),
       cancelButton(parent, LoadLocalizedString(STR_CANCEL)) {
+  Arrange();
+  SendMessageW(logEdit.Window(), EM_SETLIMITTEXT, kLogLimit, 0);
+  logEdit.Lock();
+}
+
+void InstallPageControls::Arrange() {
   packageLabel.SetPlace(LineAt(10));
   packageProgress.PlaceAt(31);
   packageDetailLabel.SetPlace(LineAt(54));
@@ -94,20 +107,8 @@ InstallPageControls::InstallPageControls(HWND parent)
   totalDetailLabel.SetFontHeight(kDetailHeight);
   logEdit.SetFontHeight(kLineHeight);
   deleteTmpCheckbox.SetFontHeight(kLineHeight);
-
-  SendMessageW(logEdit.Window(), EM_SETLIMITTEXT, kLogLimit, 0);
-  logEdit.Lock();
 }
 
 void AppendLog(const std::wstring& text) {
-  const InstallPageControls* page = app.installPage;
-  if (!page) return;
-  const HWND log = page->logEdit.Window();
-  DWORD selectionStart = 0, selectionEnd = 0;
-  SendMessageW(log, EM_GETSEL, reinterpret_cast<WPARAM>(&selectionStart), reinterpret_cast<LPARAM>(&selectionEnd));
-  const LRESULT end = SendMessageW(log, WM_GETTEXTLENGTH, 0, 0);
-  SendMessageW(log, EM_SETSEL, static_cast<WPARAM>(end), end);
-  const std::wstring line = text + L"\r\n";
-  SendMessageW(log, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(line.c_str()));
-  SendMessageW(log, EM_SETSEL, selectionStart, static_cast<LPARAM>(selectionEnd));
+  if (const InstallPageControls* page = app.installPage) pageNotes.LeaveLine(page->logEdit.Window(), OneLine(text));
 }

@@ -9,6 +9,8 @@
 
 struct ComponentsPageControls {
   explicit ComponentsPageControls(HWND parent);
+  // Places everything for the window's scale, which may have changed.
+  void Arrange();
 
   Label installPathLabel;
   TextEdit installPathEdit;
@@ -22,6 +24,8 @@ struct ComponentsPageControls {
 
 struct InstallPageControls {
   explicit InstallPageControls(HWND parent);
+  // Places everything for the window's scale, which may have changed.
+  void Arrange();
 
   Label packageLabel;
   ProgressBar packageProgress;
@@ -34,6 +38,6 @@ struct InstallPageControls {
   PushButton cancelButton;
 };
 
-// Appends one line to the log of the installation page; nothing while there is no such page. The user's selection
-// in the log stays. Called by the worker.
+// Appends one line, whatever control characters a name in it has, to the log of the installation page; nothing while
+// there is no such page. The user's selection in the log stays. Called by the worker, which doesn't wait (ui/mailbox.h).
 void AppendLog(const std::wstring& text);

@@ -1,14 +1,14 @@
 #include "update/update_dialog.h"
 
-#include <commctrl.h>
-
 #include <algorithm>
 
 #include "core/context.h"
 #include "core/localization.h"
+#include "core/window_messages.h"
 #include "system/files.h"
 #include "system/text.h"
 #include "ui/dialogs.h"
+#include "ui/mailbox.h"
 #include "ui/theme/theme.h"
 
 namespace {
@@ -16,6 +16,7 @@ namespace {
 // One update runs in a process at most.
 SharedWord<HWND> updateDialog;
 SharedWord<uint32_t> announcedFileSize;
+Mailbox& updateNotes = *new Mailbox;
 
 INT_PTR CALLBACK UpdateProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_INITDIALOG) {
@@ -23,10 +24,14 @@ INT_PTR CALLBACK UpdateProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
     DialogDarkInit(dialog);
     return TRUE;
   }
+  if (message == kShowNotesMessage) {
+    updateNotes.OnMessage(dialog, wParam);
+    return TRUE;
+  }
   return AnswerThemeMessage(dialog, message, wParam, lParam).value_or(FALSE);
 }
 
-void ShowText(int control, const std::wstring& text) { SetDlgItemTextW(updateDialog, control, text.c_str()); }
+void ShowText(int control, const std::wstring& text) { updateNotes.LeaveText(GetDlgItem(updateDialog, control), text); }
 
 }  // namespace
 
@@ -38,9 +43,7 @@ HWND CreateUpdateDialog(uint32_t announcedSize) {
 
 void ShowUpdateStatus(unsigned text) { ShowText(UPDATE_STATUS, LoadLocalizedString(text)); }
 
-void ShowUpdateProgress(int percent) {
-  SendDlgItemMessageW(updateDialog, UPDATE_PROGRESS, PBM_SETPOS, static_cast<WPARAM>(percent), 0);
-}
+void ShowUpdateProgress(int percent) { updateNotes.LeavePosition(GetDlgItem(updateDialog, UPDATE_PROGRESS), percent); }
 
 void ClearUpdateDisplay() {
   ShowUpdateProgress(0);

@@ -1,5 +1,6 @@
 // The window that shows how far a self-update is. Modeless; it belongs to the thread that creates it, which must serve
-// its messages (system/threads.h). The other functions may run on any thread that has set its language.
+// its messages (system/threads.h). The other functions may run on any thread that has set its language; they don't wait
+// for the dialog.
 #pragma once
 
 #include <windows.h>

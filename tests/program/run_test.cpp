@@ -70,7 +70,7 @@ TEST_F(Installation, SecondInstanceHandsItsCommandLineToTheFirst) {
   const TestPackage second{.filename = "b.dat", .content = TestBytes(5000), .name = "N", .isDefault = false};
   Offer({first, second});
   Start();
-  AwaitList();  // before that, the command line would start the installation by itself
+  AwaitList();  // Install can be pressed from now on; a command line that is forwarded starts nothing by itself
   const InstallerProcess again(L"install:b.dat source:main");
   ASSERT_EQ(again.WaitForExit(), 0u);
   EXPECT_EQ(FindInstallerWindow(again.Id()), nullptr);

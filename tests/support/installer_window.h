@@ -23,7 +23,8 @@ Page PageOf(HWND window);
 // The visible child of a class at a place in the client area; null when there is none.
 HWND ChildAt(HWND window, const wchar_t* windowClass, int x, int y);
 // The only button at the bottom of the components and the installation page: Install, Cancel or Exit.
-HWND BottomButton(HWND window);
+// At 96 dots per inch, unless said otherwise.
+HWND BottomButton(HWND window, int dpi = 96);
 
 // What a window or control shows. Empty when it doesn't answer.
 std::wstring ShownText(HWND window);

@@ -15,6 +15,8 @@
 #include "app/main_window.h"
 #include "app/pages.h"
 #include "core/context.h"
+#include "core/window_messages.h"
+#include "ui/mailbox.h"
 #include "ui/page_controls.h"
 
 inline std::wstring TextOf(HWND window) {
@@ -22,7 +24,11 @@ inline std::wstring TextOf(HWND window) {
   text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
   return text;
 }
-inline std::wstring TextOf(const Control& control) { return TextOf(control.Window()); }
+// What the program's threads left for the window is shown before.
+inline std::wstring TextOf(const Control& control) {
+  Mailbox::Settle(app.mainWindow);
+  return TextOf(control.Window());
+}
 
 // The calling thread. In app.manifestThread it keeps the program from starting that thread.
 inline KernelHandle ActiveThread() {
@@ -82,6 +88,7 @@ class TestWindow {
   static constexpr UINT kRunStep = WM_APP;
 
   static LRESULT CALLBACK RunSteps(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    if (message == kShowNotesMessage) pageNotes.OnMessage(window, wParam);
     if (message == kRunStep) (*reinterpret_cast<const std::function<void()>*>(lParam))();
     const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
     if (message == WM_DESTROY) PostQuitMessage(0);

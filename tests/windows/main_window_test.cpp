@@ -3,6 +3,7 @@
 
 #include "app/component_list.h"
 #include "app/main_menu.h"
+#include "app/window_scale.h"
 #include "core/localization.h"
 #include "support/shell_recorder.h"
 #include "support/test_manifest.h"
@@ -78,6 +79,42 @@ TEST_F(MainWindow, LanguageChangesEverythingButTheWorkersTexts) {
   Send(WM_COMMAND, LANG_ENGLISH, 0);
   EXPECT_EQ(TextOf(window_.Installation().packageLabel), L"worker's text");
   EXPECT_TRUE(TextOf(window_.Installation().deleteTmpCheckbox).starts_with(L"Delete created"));
+}
+
+// Where each control stands in the window, and how high its text is.
+std::vector<std::vector<int>> Layout(HWND window) {
+  std::vector<std::vector<int>> layout;
+  for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+    RECT place{};
+    GetWindowRect(child, &place);
+    MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+    LOGFONTW font{};
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(child, WM_GETFONT, 0, 0)), sizeof font, &font);
+    layout.push_back({place.left, place.top, place.right - place.left, place.bottom - place.top, font.lfHeight});
+  }
+  return layout;
+}
+
+TEST_F(MainWindow, FollowsTheScaleOfTheScreenThatItComesTo) {
+  const std::function<void()> pages[] = {[] {}, ShowInstallPage, ShowClosingPage};
+  for (const auto& show : pages) {
+    window_.Run(show);
+    const auto unscaled = Layout(window_.Window());
+    for (const int dpi : {144, 192, 96}) {
+      auto expected = unscaled;
+      for (auto& control : expected) {
+        for (int& length : control) length = MulDiv(length, dpi, 96);
+      }
+      const RECT proposed{30, 40, 50, 60};
+      Send(kScaleChangedMessage, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&proposed));
+      EXPECT_EQ(Layout(window_.Window()), expected) << "page " << app.currentPage << " at " << dpi;
+      RECT place{};
+      GetWindowRect(window_.Window(), &place);
+      EXPECT_EQ(place.left, proposed.left);
+      EXPECT_EQ(place.top, proposed.top);
+      EXPECT_EQ(CheckedComponents(), app.currentPage == ComponentsPage ? (Names{"z", "t"}) : Names{});
+    }
+  }
 }
 
 TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {

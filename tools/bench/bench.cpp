@@ -117,7 +117,7 @@ void MeasureExtraction(const std::wstring& archive, const std::wstring& folder) 
   InitCommonControls();
   app.mainWindow = CreateWindowExW(0, L"Static", L"", WS_POPUP, 0, 0, 600, 480, nullptr, nullptr, nullptr, nullptr);
   app.installPage = new InstallPageControls(app.mainWindow);
-  Installation run;
+  RunState run;
   run.tmpPath = ParentFolder(archive);
   Package package;
   package.filename = WideToUtf8(LastComponent(archive));

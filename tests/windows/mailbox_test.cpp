@@ -1,0 +1,102 @@
+// What the worker leaves for the window.
+#include "ui/mailbox.h"
+
+#include <future>
+
+#include "support/test_window.h"
+
+namespace {
+
+// Whether a worker gets its work done while the UI thread does something else.
+bool FinishesWhileTheWindowIsBusy(const TestWindow& window, const std::function<void()>& work) {
+  std::future<void> worker;
+  bool finished = false;
+  window.Run([&] {
+    worker = std::async(std::launch::async, work);
+    finished = worker.wait_for(std::chrono::seconds(10)) == std::future_status::ready;
+  });
+  worker.get();
+  return finished;
+}
+
+// Whether a label comes to show a text without anybody's asking for it.
+bool ComesToShow(const Label& label, const std::wstring& text) {
+  const ULONGLONG end = GetTickCount64() + 10'000;
+  while (TextOf(label.Window()) != text && GetTickCount64() < end) Sleep(5);
+  return TextOf(label.Window()) == text;
+}
+
+// How often a control gets a message.
+struct MessageCount {
+  UINT message;
+  int count = 0;
+
+  static LRESULT CALLBACK Count(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR data) {
+    auto& self = *reinterpret_cast<MessageCount*>(data);
+    if (message == self.message) ++self.count;
+    return DefSubclassProc(window, message, wParam, lParam);
+  }
+  void Watch(const TestWindow& window, const Control& control) {
+    window.Run([&] { SetWindowSubclass(control.Window(), Count, message, reinterpret_cast<DWORD_PTR>(this)); });
+  }
+};
+
+LRESULT PositionOf(const ProgressBar& bar) { return SendMessageW(bar.Window(), PBM_GETPOS, 0, 0); }
+
+TEST(Mailbox, ABusyWindowKeepsNobodyWaitingAndShowsItAllAtOnce) {
+  const TestWindow window;
+  InstallPageControls& page = window.Installation();
+  MessageCount texts{WM_SETTEXT}, positions{PBM_SETPOS}, insertions{EM_REPLACESEL};
+  texts.Watch(window, page.packageLabel);
+  positions.Watch(window, page.totalProgress);
+  insertions.Watch(window, page.logEdit);
+  AppendLog(L"first");
+  EXPECT_EQ(TextOf(page.logEdit), L"first\r\n");
+  SendMessageW(page.logEdit.Window(), EM_SETSEL, 1, 3);
+  std::wstring expected = L"first\r\n";
+  EXPECT_TRUE(FinishesWhileTheWindowIsBusy(window, [&] {
+    for (int i = 1; i <= 300; ++i) {
+      page.packageLabel.SetText(std::to_wstring(i));
+      page.totalProgress.SetPosition(i);
+      AppendLog(std::to_wstring(i));
+      expected += std::to_wstring(i) + L"\r\n";
+    }
+  }));
+  EXPECT_EQ(TextOf(page.logEdit), expected);
+  EXPECT_EQ(TextOf(page.packageLabel), L"300");
+  EXPECT_EQ(PositionOf(page.totalProgress), 300);
+  EXPECT_EQ(SendMessageW(page.logEdit.Window(), EM_GETSEL, 0, 0), MAKELRESULT(1, 3));
+  EXPECT_EQ(texts.count, 1);
+  EXPECT_EQ(positions.count, 1);
+  EXPECT_EQ(insertions.count, 2);
+}
+
+TEST(Mailbox, WhatIsLeftComesToShow) {
+  const TestWindow window;
+  const HWND oldLabel = window.Installation().packageLabel.Window();
+  window.Run(ShowInstallPage);
+  pageNotes.LeaveText(oldLabel, L"for a page that is gone");
+  const Label& label = window.Installation().packageLabel;
+  label.SetText(L"one");
+  EXPECT_TRUE(ComesToShow(label, L"one"));
+  label.SetText(L"two");
+  EXPECT_TRUE(ComesToShow(label, L"two")) << "while the window rests";
+}
+
+TEST(Mailbox, TheWindowsOwnThreadOvertakesNothing) {
+  const TestWindow window;
+  InstallPageControls& page = window.Installation();
+  window.Run([&] {
+    std::thread([&] {
+      page.cancelButton.SetText(L"worker");
+      AppendLog(L"worker");
+    }).join();
+    page.cancelButton.SetText(L"window");
+    AppendLog(L"window");
+    EXPECT_EQ(TextOf(page.cancelButton.Window()), L"window");
+    EXPECT_EQ(TextOf(page.logEdit.Window()), L"worker\r\nwindow\r\n");
+  });
+  EXPECT_EQ(TextOf(page.cancelButton), L"window");
+}
+
+}  // namespace
