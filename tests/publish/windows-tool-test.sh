@@ -8,6 +8,7 @@ if [ -z "${WINEPREFIX:-}" ]; then
   exec "$root/tools/harness/private-network.sh" "$root/tools/harness/with-wine.sh" "$0"
 fi
 
+[ -e "$build/demo/site" ] || "$root/tools/demo/demo-site" make
 folder=$(mktemp -d -p "$build" windows-tool.XXXXXX)
 trap 'rm -rf "$folder"' EXIT
 cp -r "$build/demo/site/." "$folder"

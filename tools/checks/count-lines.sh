@@ -8,6 +8,6 @@ lines_of() {
     awk '{ sum += $1 } END { print sum }'
 }
 
-program=$(lines_of src res) tools=$(lines_of tools run test) tests=$(lines_of tests)
+program=$(lines_of src res publish) tools=$(lines_of tools run test release) tests=$(lines_of tests)
 printf 'lines: %s in the program, %s in tools, %s in tests (%s %% of all)\n' \
   "$program" "$tools" "$tests" $((tests * 100 / (program + tools + tests)))

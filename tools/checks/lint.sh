@@ -10,7 +10,7 @@ scripts_for() {
   grep -rlE "^#!.*\b$1\$" --exclude-dir=build --exclude-dir=.git .
 }
 
-mapfile -t sources < <(find src tests tools -name '*.cpp' -o -name '*.h' | sort)
+mapfile -t sources < <(find src publish tests tools -name '*.cpp' -o -name '*.h' | sort)
 mapfile -t translation_units < <(printf '%s\n' "${sources[@]}" | grep '\.cpp$')
 
 check_format() {
@@ -28,7 +28,7 @@ check_cppcheck() {
   cppcheck --quiet --error-exitcode=1 -j "$(nproc)" --cppcheck-build-dir="$build/cppcheck" \
     --std=c++20 --language=c++ --platform=win32W --library=windows,googletest \
     --enable=warning,performance,portability --inline-suppr --suppress=missingIncludeSystem \
-    --suppress=unmatchedSuppression -I src -I res -I tests -I build/release/maker "${translation_units[@]}"
+    --suppress=unmatchedSuppression -I src -I publish -I res -I tests -I build/release/maker "${translation_units[@]}"
 }
 
 # Compiles everything once more, with clang-tidy, every warning, and without precompiled headers.
@@ -51,7 +51,7 @@ check_python() {
 
 # C0103: this project's variables are written in small letters. C0111: a comment stands where a name doesn't say it all.
 check_cmake() {
-  cmake-lint --line-width=120 --disabled-codes C0103 C0111 --suppress-decorations -- CMakeLists.txt cmake/*.cmake
+  cmake-lint --line-width=120 --disabled-codes C0103 C0111 --suppress-decorations -- CMakeLists.txt publish/CMakeLists.txt cmake/*.cmake
 }
 
 failed=0
