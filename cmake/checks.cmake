@@ -11,17 +11,20 @@ foreach(check cppcheck tidy shell python cmake)
   add_check(${check} lint tools/checks/lint.sh ${check})
 endforeach()
 add_check(executable shipping tools/checks/check-executable)
-add_check(reproducible shipping tools/checks/check-reproducible.sh)
+add_check(release shipping tests/publish/release-test.sh)
 add_check(installation demo ./run --headless)
-add_check(check-site publish
+add_check(site publish
   tools/harness/private-network.sh tests/publish/check-site-test.sh build/publish/zendora-publish)
+add_check(windows publish tests/publish/windows-tool-test.sh)
 add_check(guide publish tests/publish/guide-test.sh)
+# It needs the demo site, which that one makes.
+set_tests_properties(publish.windows PROPERTIES DEPENDS demo.installation)
 
 # These keep the processors busy: one at a time, beside tests that mostly wait.
-set_tests_properties(lint.tidy lint.cppcheck shipping.reproducible publish.guide PROPERTIES
+set_tests_properties(lint.tidy lint.cppcheck shipping.release publish.guide PROPERTIES
   PROCESSORS 2 RESOURCE_LOCK processors)
 set_tests_properties(lint.tidy PROPERTIES COST 1000)
-set_tests_properties(shipping.reproducible PROPERTIES COST 500)
+set_tests_properties(shipping.release PROPERTIES COST 500 TIMEOUT 1800)
 set_tests_properties(demo.installation PROPERTIES COST 300)
 
 # The native tests belong to a build of their own; where that is missing, there are none.

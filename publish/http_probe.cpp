@@ -63,10 +63,14 @@ bool IsDistrust(CURLcode code) { return code == CURLE_PEER_FAILED_VERIFICATION |
 std::optional<std::time_t> CertificateEnd(CURL* curl) {
   const curl_certinfo* chain = nullptr;
   if (curl_easy_getinfo(curl, CURLINFO_CERTINFO, &chain) != CURLE_OK || !chain || chain->num_of_certs == 0) return {};
-  constexpr std::string_view kName = "Expire date:";
+  // Some TLS libraries write "Expire date:Nov 28 07:41:38 2026 GMT", others "Expire Date:2026-11-28 07:41:38 GMT",
+  // whose dashes the reader of dates doesn't take.
+  constexpr std::string_view kName = "expire date:";
   for (const curl_slist* field = chain->certinfo[0]; field; field = field->next) {
-    if (!std::string_view(field->data).starts_with(kName)) continue;
-    const std::time_t end = curl_getdate(field->data + kName.size(), nullptr);
+    if (!LowerAscii(field->data).starts_with(kName)) continue;
+    std::string date = field->data + kName.size();
+    std::erase(date, '-');
+    const std::time_t end = curl_getdate(date.c_str(), nullptr);
     if (end != -1) return end;
   }
   return {};
