@@ -6,3 +6,4 @@
 
 inline constexpr UINT kFillComponentListMessage = WM_APP + 1;  // the manifest has been loaded
 inline constexpr UINT kSpeedTimerMessage = WM_APP + 2;         // wParam TRUE arms the speed timer, FALSE stops it
+inline constexpr UINT kTaskbarMessage = WM_APP + 4;            // ui/taskbar.h; the one that is posted

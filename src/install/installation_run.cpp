@@ -17,8 +17,10 @@
 #include "system/files.h"
 #include "system/path_names.h"
 #include "system/text.h"
+#include "system/wakefulness.h"
 #include "ui/message_boxes.h"
 #include "ui/page_controls.h"
+#include "ui/taskbar.h"
 
 // The story starts at the end of this file.
 
@@ -300,6 +302,7 @@ void RunInstallPhase(Installation& run) {
   run.errorRecords.clear();
   run.installedList.clear();
   ShowInstallStart();
+  TellTaskbarProgress(0);
   InstallPackages(run);
   const bool cancelled = app.cancelRequested;
   ShowInstallEnd(cancelled);
@@ -313,6 +316,8 @@ void RunInstallation() {
   run.installList = *app.installList.Get();
   AskReinstallIntoExistingFolders(run);
   if (!app.windowHold.Acquire()) return;  // closed while the question was open
+  const Wakefulness awake;
+  const TaskbarRun taskbar;
   BeginRun(run);
   if (!RunDownloadPhase(run)) return LeaveCancelledDownloads();
   RunInstallPhase(run);

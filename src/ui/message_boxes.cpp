@@ -7,6 +7,7 @@
 #include "net/error_text.h"
 #include "system/files.h"
 #include "system/process.h"
+#include "ui/taskbar.h"
 
 namespace {
 
@@ -52,6 +53,7 @@ std::wstring FormatErrorMessage(uint32_t error, const std::wstring& extra) {
 }
 
 int ShowBox(const std::wstring& text, const std::wstring& caption, UINT type) {
+  const TaskbarCall call;
   return MessageBoxW(app.mainWindow, text.c_str(), caption.c_str(), type);
 }
 

@@ -4,6 +4,8 @@
 
 #include "core/context.h"
 #include "core/localization.h"
+#include "ui/kept_view.h"
+#include "ui/mnemonics.h"
 #include "ui/scale.h"
 
 namespace {
@@ -29,7 +31,7 @@ void AddPlaceholderRows(HWND itemsView) {
 
 HWND CreateItemsView(HWND parent) {
   const DWORD style = WS_CHILD | WS_VISIBLE | WS_BORDER | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS |
-                      LVS_NOCOLUMNHEADER | LVS_NOSORTHEADER;
+                      LVS_NOCOLUMNHEADER | LVS_NOSORTHEADER | WS_TABSTOP;
   const HWND view = CreateWindowExW(0, WC_LISTVIEWW, nullptr, style, 0, 0, 0, 0, parent, nullptr, nullptr, nullptr);
   const LPARAM behaviour = LVS_EX_FULLROWSELECT | LVS_EX_INFOTIP | LVS_EX_LABELTIP;
   SendMessageW(view, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, behaviour);
@@ -52,7 +54,7 @@ ComponentsPageControls::ComponentsPageControls(HWND parent)
       componentsLabel(parent, LoadLocalizedString(STR_COMPONENTS) + L":"),
       itemsView(CreateItemsView(parent)),
       totalSizeLabel(parent),
-      installButton(parent, LoadLocalizedString(STR_INSTALL)) {
+      installButton(parent, LoadMarkedString(STR_INSTALL)) {
   Arrange();
   EnableWindow(installButton.Window(), FALSE);
   if (!app.isAdmin) SendMessageW(installButton.Window(), BCM_SETSHIELD, 0, TRUE);
@@ -80,9 +82,10 @@ InstallPageControls::InstallPageControls(HWND parent)
       totalLabel(parent),
       totalProgress(parent),
       totalDetailLabel(parent),
+      logName(parent, LoadLocalizedString(STR_INSTALLER)),
       logEdit(parent, EDIT_LOG, {}, ES_MULTILINE | WS_VSCROLL),
-      deleteTmpCheckbox(parent, LoadLocalizedString(STR_DELETE_TEMP_FILES), app.deleteTmpFiles),
-      cancelButton(parent, LoadLocalizedString(STR_CANCEL)) {
+      deleteTmpCheckbox(parent, LoadMarkedString(STR_DELETE_TEMP_FILES), app.deleteTmpFiles),
+      cancelButton(parent, LoadMarkedString(STR_CANCEL)) {
   Arrange();
   SendMessageW(logEdit.Window(), EM_SETLIMITTEXT, kLogLimit, 0);
   logEdit.Lock();
@@ -111,11 +114,9 @@ void AppendLog(const std::wstring& text) {
   const InstallPageControls* page = app.installPage;
   if (!page) return;
   const HWND log = page->logEdit.Window();
-  DWORD selectionStart = 0, selectionEnd = 0;
-  SendMessageW(log, EM_GETSEL, reinterpret_cast<WPARAM>(&selectionStart), reinterpret_cast<LPARAM>(&selectionEnd));
+  const KeptView view(log);
   const LRESULT end = SendMessageW(log, WM_GETTEXTLENGTH, 0, 0);
   SendMessageW(log, EM_SETSEL, static_cast<WPARAM>(end), end);
   const std::wstring line = text + L"\r\n";
   SendMessageW(log, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(line.c_str()));
-  SendMessageW(log, EM_SETSEL, selectionStart, static_cast<LPARAM>(selectionEnd));
 }
