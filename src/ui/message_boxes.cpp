@@ -8,6 +8,7 @@
 #include "system/files.h"
 #include "system/process.h"
 #include "ui/mailbox.h"
+#include "ui/taskbar.h"
 
 namespace {
 
@@ -54,6 +55,7 @@ std::wstring FormatErrorMessage(uint32_t error, const std::wstring& extra) {
 
 int ShowBox(const std::wstring& text, const std::wstring& caption, UINT type) {
   Mailbox::Settle(app.mainWindow);
+  const TaskbarCall call;
   return MessageBoxW(app.mainWindow, text.c_str(), caption.c_str(), type);
 }
 
