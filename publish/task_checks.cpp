@@ -1,4 +1,5 @@
 // What is done when a package's files are placed: paths that must be there, programs, shortcuts, registry values.
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -31,7 +32,7 @@ void ForEachRegistryValue(const PackageEntry& entry, Visitor visit) {
 
 void CheckPathsStayInside(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
   for (const TaskPath& task : TaskPathsOf(entry)) {
-    if (task.path.empty() || IsSafeRelativePath(WidenBytes(task.path))) continue;
+    if (StaysInside(WidenBytes(task.path))) continue;
     report.Error(task.line, "the path " + Quoted(task.path) + " of <" + task.element +
                                 "> leads out of the target folder or is none; the installer refuses the package");
   }
@@ -55,13 +56,25 @@ void CheckPathsAscii(const PackageEntry& entry, const ManifestFile&, const Repor
   }
 }
 
-// The program joins a task's attributes with "|" and splits them there again.
+void CheckShortcutName(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
+  ForEachTask(entry, "link", [&](const XMLElement& task) {
+    const std::string attribute = AttributeOf(task, "title");
+    const std::string title = attribute.substr(0, attribute.find('|'));
+    if (title.empty() || IsSafeRelativePath(WidenBytes(title + ".lnk"))) return;
+    report.Error(task.GetLineNum(),
+                 "the title " + Quoted(title) + " of <link> is no name for a file, so there would be no shortcut");
+  });
+}
+
+// The program joins a task's attributes with "|" and splits them there again. What stands behind the title of a link
+// becomes the shortcut's description.
 void CheckTaskBars(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
   for (const char* name : {"link", "install", "execute"}) {
     ForEachTask(entry, name, [&](const XMLElement& task) {
-      const std::string path = AttributeOf(task, "path"),
-                        second = AttributeOf(task, name == std::string("link") ? "title" : "args");
-      if ((path + second).find('|') == std::string::npos) return;
+      const bool isLink = name == std::string("link");
+      const std::string path = AttributeOf(task, "path"), second = AttributeOf(task, isLink ? "title" : "args");
+      const auto bars = std::count(second.begin(), second.end(), '|');
+      if (path.find('|') == std::string::npos && bars <= (isLink ? 1 : 0)) return;
       report.Error(task.GetLineNum(), std::string("\"|\" in <") + name + "> ends the path or its arguments there");
     });
   }
@@ -127,9 +140,16 @@ void CheckAddons(const PackageEntry& entry, const ManifestFile&, const Reporter&
 }
 
 constexpr PackageCheck kChecks[] = {
-    {"path", CheckPathsStayInside},        {"path-empty", CheckPathsNamed},     {"path-ascii", CheckPathsAscii},
-    {"task-bar", CheckTaskBars},           {"registry-key", CheckRegistryKeys}, {"registry-order", CheckRegistryOrder},
-    {"registry-name", CheckRegistryNames}, {"placeholder", CheckPlaceholders},  {"addon", CheckAddons},
+    {"path", CheckPathsStayInside},
+    {"path-empty", CheckPathsNamed},
+    {"path-ascii", CheckPathsAscii},
+    {"link-title", CheckShortcutName},
+    {"task-bar", CheckTaskBars},
+    {"registry-key", CheckRegistryKeys},
+    {"registry-order", CheckRegistryOrder},
+    {"registry-name", CheckRegistryNames},
+    {"placeholder", CheckPlaceholders},
+    {"addon", CheckAddons},
 };
 
 }  // namespace

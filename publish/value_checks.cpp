@@ -6,8 +6,7 @@
 #include "ascii.h"
 #include "checks.h"
 #include "package_types.h"
-#include "system/path_names.h"
-#include "system/text.h"
+#include "task_paths.h"
 
 namespace {
 
@@ -100,7 +99,7 @@ void CheckFolder(const PackageEntry& entry, const ManifestFile&, const Reporter&
 
 void CheckName(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
   const std::wstring& name = entry.package.name;
-  if (!name.empty() && name != L"." && !IsSafeRelativePath(name)) {
+  if (!StaysInside(name)) {
     report.Error(entry.LineOf("name"), "the name is no folder below the installation folder; the installer refuses it");
   }
 }

@@ -186,9 +186,13 @@ const Mistake kMistakes[] = {
      [](GoodSite& site) {
        AddToWorld(site, {"data/ma\u00DFe", "x"});
      }},
+    {"link-title",
+     "error: world.zip: the title \"World: the game\" of <link> is no name for a file",
+     {{"title=\"World\"", "title=\"World: the game\""}}},
     {"task-bar",
      "error: world.zip: \"|\" in <execute> ends the path",
      {{"args=\"/first\"", "args=\"/first|/second\""}}},
+    {"task-bar", "error: world.zip: \"|\" in <link> ends the path", {{"title=\"World\"", "title=\"World|Play|it\""}}},
     {"registry-key",
      "error: world.zip: registry root of \"HKCU\\Software\\World\" is unknown",
      {{"HKEY_CURRENT_USER", "HKCU"}}},
