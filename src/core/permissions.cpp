@@ -20,5 +20,6 @@ bool RepairPermissions() {
   DWORD capacity = UNLEN + 1;
   GetUserNameW(userNameBuffer, &capacity);
   // By its full path: of a bare name the shell looks into the current folder first, and this runs elevated.
-  return RunElevated(SystemFilePath(L"cmd.exe"), BuildRepairParameters(app.appDataPath, userNameBuffer));
+  return RunElevated(SystemFilePath(L"cmd.exe"), BuildRepairParameters(app.appDataPath, userNameBuffer),
+                     app.mainWindow);
 }
