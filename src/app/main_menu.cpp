@@ -1,13 +1,12 @@
 #include "app/main_menu.h"
 
-#include <windows.h>
-
 #include <string>
 
 #include "core/context.h"
 #include "core/localization.h"
 #include "manifest/manifest_store.h"
 #include "system/text.h"
+#include "system/threads.h"
 #include "ui/mnemonics.h"
 
 namespace {
@@ -97,3 +96,9 @@ void ReplaceMenu(HMENU menu) {
 }  // namespace
 
 void BuildMainMenu() { ReplaceMenu(BuildMenu()); }
+
+bool CanDeleteAppData() { return !IsThreadActive(app.workerThread) && !app.updateInProgress; }
+
+void OnMenuOpens(HMENU popup) {
+  EnableMenuItem(popup, COMMAND_DELETE_APP_DATA, CanDeleteAppData() ? MF_ENABLED : MF_GRAYED);
+}

@@ -108,7 +108,7 @@ bool OnMenuCommand(HWND window, int id) {
       SpeedLimitDialog();
       return true;
     case COMMAND_DELETE_APP_DATA:
-      DeleteAppData();
+      if (CanDeleteAppData()) DeleteAppData();
       return true;
     default:
       break;
@@ -169,6 +169,9 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_CLOSE:
       if (!OnCloseRequest()) return 0;
       break;
+    case WM_INITMENUPOPUP:
+      OnMenuOpens(reinterpret_cast<HMENU>(wParam));
+      return 0;
     case WM_ACTIVATE:
       OnActivate(LOWORD(wParam));
       break;
