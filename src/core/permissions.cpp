@@ -6,7 +6,6 @@
 
 #include "core/context.h"
 #include "system/files.h"
-#include "system/path_names.h"
 #include "system/process.h"
 
 // The Users group goes by its SID, because its name differs between languages.
