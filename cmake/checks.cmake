@@ -14,19 +14,21 @@ add_check(executable shipping tools/checks/check-executable)
 add_check(release shipping tests/publish/release-test.sh)
 add_check(installation demo ./run --headless)
 add_check(site publish
-  tools/harness/private-network.sh tests/publish/check-site-test.sh ${CMAKE_SOURCE_DIR}/build/publish/zendora-publish)
+  tools/harness/private-network.sh tests/publish/check-site-test.sh build/publish/zendora-publish)
 add_check(windows publish tests/publish/windows-tool-test.sh)
 add_check(guide publish tests/publish/guide-test.sh)
 # It needs the demo site, which that one makes.
 set_tests_properties(publish.windows PROPERTIES DEPENDS demo.installation)
 
-# These keep both processors busy.
-set_tests_properties(lint.tidy lint.cppcheck shipping.release PROPERTIES PROCESSORS 2)
+# These keep the processors busy: one at a time, beside tests that mostly wait.
+set_tests_properties(lint.tidy lint.cppcheck shipping.release publish.guide PROPERTIES
+  PROCESSORS 2 RESOURCE_LOCK processors)
 set_tests_properties(lint.tidy PROPERTIES COST 1000)
 set_tests_properties(shipping.release PROPERTIES COST 500 TIMEOUT 1800)
 set_tests_properties(demo.installation PROPERTIES COST 300)
 
 # The native tests belong to a build of their own; where that is missing, there are none.
 file(WRITE ${CMAKE_BINARY_DIR}/native_tests.cmake
-  "include(\"${CMAKE_SOURCE_DIR}/build/native/CTestTestfile.cmake\" OPTIONAL)\n")
+  "include(\"${CMAKE_SOURCE_DIR}/build/native/CTestTestfile.cmake\" OPTIONAL)\n"
+  "include(\"${CMAKE_SOURCE_DIR}/build/native/publish/CTestTestfile.cmake\" OPTIONAL)\n")
 set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/native_tests.cmake)

@@ -34,8 +34,8 @@ if(WIN32)
   target_compile_definitions(minizip PRIVATE UNICODE _UNICODE)
 endif()
 
-# zendora-publish asks sites through libcurl: natively the system's, on Windows this one, which does nothing but HTTP over
-# the system's own TLS.
+# zendora-publish asks sites through libcurl: natively the system's, on Windows this one, which does nothing but HTTP
+# over the system's own TLS.
 if(WIN32)
   set(curl_dir ${deps_dir}/curl)
   file(GLOB_RECURSE curl_sources ${curl_dir}/lib/*.c)

@@ -32,8 +32,8 @@ target_link_libraries(zendora PUBLIC zendora_text minizip
   advapi32 comctl32 comdlg32 gdi32 ole32 rpcrt4 shell32 shlwapi user32 uuid)
 
 file(GLOB resource_parts CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/res/*)
-set_source_files_properties(${CMAKE_SOURCE_DIR}/res/installer.rc PROPERTIES OBJECT_DEPENDS
-  "${resource_parts};${maker_dir}/maker.h;${maker_dir}/installer.manifest")
+list(APPEND resource_parts ${maker_dir}/maker.h ${maker_dir}/installer.manifest)
+set_source_files_properties(${CMAKE_SOURCE_DIR}/res/installer.rc PROPERTIES OBJECT_DEPENDS "${resource_parts}")
 add_library(resources OBJECT ${CMAKE_SOURCE_DIR}/res/installer.rc)
 target_include_directories(resources PRIVATE ${CMAKE_SOURCE_DIR}/res ${maker_dir})
 
@@ -95,9 +95,9 @@ endif()
 
 # Every test has a machine of its own (see CMAKE_CROSSCOMPILING_EMULATOR), so that they can run side by side.
 gtest_discover_tests(windows_tests TEST_PREFIX in-process. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-  PROPERTIES LABELS in-process TIMEOUT 60)
+  PROPERTIES LABELS in-process TIMEOUT 120)
 gtest_discover_tests(program_tests TEST_PREFIX program. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-  PROPERTIES LABELS program TIMEOUT 240 COST 60)
+  PROPERTIES LABELS program TIMEOUT 300 COST 60)
 if(CMAKE_BUILD_TYPE STREQUAL Release AND NOT ZENDORA_LINT)
   include(cmake/checks.cmake)
 endif()

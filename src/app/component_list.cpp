@@ -53,16 +53,19 @@ class Groups {
  public:
   explicit Groups(HWND list) : list_(list) {}
 
-  // The group's number, after inserting it where it is new; 0 for no group.
+  // The group's number, after inserting it where it is new. Packages without a group have number 0; the list shows no
+  // row that is in no group, so these get one without a title.
   int NumberOf(const std::wstring& header) {
-    if (header.empty()) return 0;
-    const auto [entry, isNew] = numbers_.try_emplace(header, static_cast<int>(numbers_.size()) + 1);
+    const auto [entry, isNew] = numbers_.try_emplace(header, header.empty() ? 0 : next_);
+    if (isNew && !header.empty()) ++next_;
     if (isNew) Insert(entry->second, header);
     return entry->second;
   }
+  // All that were wanted are there; rows of others would not be shown.
+  bool AreComplete() const { return complete_; }
 
  private:
-  void Insert(int number, std::wstring header) const {
+  void Insert(int number, std::wstring header) {
     LVGROUP group = {};
     group.cbSize = sizeof group;
     group.mask = LVGF_HEADER | LVGF_GROUPID | LVGF_ALIGN;
@@ -70,10 +73,12 @@ class Groups {
     group.iGroupId = number;
     group.uAlign = LVGA_HEADER_LEFT;
     constexpr WPARAM kAtTheEnd = static_cast<WPARAM>(-1);
-    SendMessageW(list_, LVM_INSERTGROUP, kAtTheEnd, reinterpret_cast<LPARAM>(&group));
+    if (SendMessageW(list_, LVM_INSERTGROUP, kAtTheEnd, reinterpret_cast<LPARAM>(&group)) < 0) complete_ = false;
   }
 
   HWND list_;
+  int next_ = 1;
+  bool complete_ = true;
   std::map<std::wstring, int> numbers_;
 };
 
@@ -98,6 +103,7 @@ void InsertRows(HWND list, const Manifest& manifest) {
     if (requested->empty() ? package.isDefault : requestedNames.contains(filename)) SetChecked(list, row, true);
     ++row;
   }
+  if (!groups.AreComplete()) SendMessageW(list, LVM_ENABLEGROUPVIEW, FALSE, 0);
 }
 
 void FillList(HWND list, const Manifest& manifest) {

@@ -7,6 +7,7 @@
 #include "app/commands.h"
 #include "app/component_list.h"
 #include "app/dialogs.h"
+#include "app/keyboard.h"
 #include "app/main_menu.h"
 #include "app/manifest_thread.h"
 #include "app/pages.h"
@@ -24,6 +25,7 @@
 #include "ui/message_boxes.h"
 #include "ui/page_controls.h"
 #include "ui/scale.h"
+#include "ui/taskbar.h"
 #include "ui/theme/dark_menu_bar.h"
 #include "ui/theme/theme.h"
 
@@ -46,6 +48,9 @@ LRESULT OnNotify(LPARAM lParam) {
       return 0;
     case LVN_ITEMCHANGED:
       if (reinterpret_cast<const NMLISTVIEW*>(lParam)->uNewState & LVIS_STATEIMAGEMASK) UpdateTotalSize();
+      return 0;
+    case NM_SETFOCUS:
+      OnListFocus(header->hwndFrom);
       return 0;
     case NM_DBLCLK:
       CheckOnlyComponent(reinterpret_cast<const NMITEMACTIVATE*>(lParam)->iItem);
@@ -103,7 +108,7 @@ bool OnMenuCommand(HWND window, int id) {
       SpeedLimitDialog();
       return true;
     case COMMAND_DELETE_APP_DATA:
-      DeleteAppData();
+      if (CanDeleteAppData()) DeleteAppData();
       return true;
     default:
       break;
@@ -164,6 +169,15 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_CLOSE:
       if (!OnCloseRequest()) return 0;
       break;
+    case WM_INITMENUPOPUP:
+      OnMenuOpens(reinterpret_cast<HMENU>(wParam));
+      return 0;
+    case WM_ACTIVATE:
+      OnActivate(LOWORD(wParam));
+      break;
+    case WM_SETFOCUS:
+      FocusPage();
+      return 0;
     case WM_ERASEBKGND:
       EraseBackground(window, reinterpret_cast<HDC>(wParam));
       return 1;
@@ -181,6 +195,9 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       return 0;
     case kShowNotesMessage:
       pageNotes.OnMessage(window, wParam);
+      return 0;
+    case kTaskbarMessage:
+      OnTaskbarMessage(window, wParam, lParam);
       return 0;
     case WM_COPYDATA:
       OnForwardedCommandLine(wParam, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
@@ -248,6 +265,7 @@ bool CreateMainWindow(HINSTANCE instance, int showCommand) {
                                       kMainWindowStyle, 0, 0, 0, 0, nullptr, nullptr, instance, nullptr);
   if (!window) return false;
   PlaceInMiddle(window);
+  HideKeyboardCues(window);
   if (app.darkMode) AllowDarkMode(window);
   ShowComponentsPage();
   SetUiLanguage(app.uiLanguage);

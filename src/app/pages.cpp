@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "app/component_list.h"
+#include "app/keyboard.h"
 #include "core/context.h"
 #include "core/localization.h"
 #include "system/threads.h"
@@ -52,6 +53,7 @@ void ShowComponentsPage() {
   app.componentsPage = new ComponentsPageControls(app.mainWindow);
   app.currentPage = ComponentsPage;
   ThemeChildren(app.mainWindow);
+  BeginKeyboardPage();
 }
 
 void ShowInstallPage() {
@@ -61,6 +63,7 @@ void ShowInstallPage() {
   app.currentPage = InstallPage;
   ThemeChildren(app.mainWindow);
   if (app.darkMode) ThemeUnstyledControl(page->deleteTmpCheckbox.Window());
+  BeginKeyboardPage();
 }
 
 void ShowClosingPage() {
@@ -70,6 +73,7 @@ void ShowClosingPage() {
   ArrangeClosingPage();
   app.currentPage = ClosingPage;
   ThemeChildren(app.mainWindow);
+  BeginKeyboardPage();
 }
 
 void ArrangePage() {

@@ -6,7 +6,6 @@
 
 #include "core/context.h"
 #include "system/files.h"
-#include "system/path_names.h"
 #include "system/process.h"
 
 // The Users group goes by its SID, because its name differs between languages.
@@ -22,6 +21,6 @@ bool RepairPermissions() {
   GetUserNameW(userNameBuffer, &capacity);
   // By its full path, and in the system folder: of a bare name, its own or icacls, the current folder would be searched
   // first, and this runs elevated.
-  const std::wstring interpreter = SystemFilePath(L"cmd.exe");
-  return RunElevated(interpreter, BuildRepairParameters(app.appDataPath, userNameBuffer), ParentFolder(interpreter));
+  return RunElevated(SystemFilePath(L"cmd.exe"), BuildRepairParameters(app.appDataPath, userNameBuffer),
+                     app.mainWindow);
 }

@@ -1,6 +1,5 @@
 #include "install/install_task.h"
 
-#include <shellapi.h>
 #include <windows.h>
 
 #include <vector>
@@ -81,9 +80,9 @@ std::wstring ExplorerPath() {
 void OfferManualStart(const std::wstring& program) {
   const std::wstring text = LoadLocalizedString(STR_CANNOT_START_PROCESS) + L"\n\n" +
                             LoadLocalizedString(STR_START_MANUALLY) + L":\n" + program + L"\n\n" +
-                            LoadLocalizedString(STR_OPEN) + L"?";
+                            LoadLocalizedString(STR_OPEN_QUESTION);
   if (ShowBox(text, LoadLocalizedString(STR_ERROR), MB_YESNO | MB_ICONERROR) != IDYES) return;
-  ShellExecuteW(nullptr, nullptr, ExplorerPath().c_str(), (L"/select, " + program).c_str(), nullptr, SW_SHOWDEFAULT);
+  StartThroughShell({nullptr, ExplorerPath(), L"/select, " + program, {}, nullptr, SW_SHOWDEFAULT});
 }
 
 }  // namespace

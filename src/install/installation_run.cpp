@@ -19,8 +19,10 @@
 #include "system/files.h"
 #include "system/path_names.h"
 #include "system/text.h"
+#include "system/wakefulness.h"
 #include "ui/message_boxes.h"
 #include "ui/page_controls.h"
+#include "ui/taskbar.h"
 
 // The story starts at the end of this file.
 
@@ -343,6 +345,7 @@ void RunInstallPhase(RunState& run) {
   run.installedList.clear();
   AddUpPackages(run);
   ShowInstallStart();
+  TellTaskbarProgress(0);
   PlacePackages(run);
   const bool cancelled = app.cancelRequested;
   ShowInstallEnd(cancelled);
@@ -356,6 +359,8 @@ void RunInstallation() {
   run.installList = *app.installList.Get();
   AskReinstallIntoExistingFolders(run);
   if (!app.windowHold.Acquire()) return;  // closed while the question was open
+  const Wakefulness awake;
+  const TaskbarRun taskbar;
   BeginRun(run);
   if (!RunDownloadPhase(run)) return LeaveCancelledDownloads();
   RunInstallPhase(run);

@@ -63,11 +63,12 @@ class CheckBox : public Control {
 class TextEdit : public Control {
  public:
   TextEdit(HWND parent, int id, const std::wstring& text, DWORD editStyle);
-  // From now on the text can be scrolled and selected with the mouse, but not typed or pasted into. UI thread, once.
+  // From now on the text can be scrolled, selected and copied, but not changed by the user. UI thread, once.
   void Lock();
 
  private:
   static LRESULT CALLBACK LockedProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT ShowContextMenu(WPARAM wParam, LPARAM lParam) const;
 
   WNDPROC previousProc_ = nullptr;
   bool locked_ = false;
@@ -81,8 +82,8 @@ class ProgressBar : public Control {
   explicit ProgressBar(HWND parent);
   // 565 x 18 at x = 10.
   void PlaceAt(int y) const;
-  // Does nothing when the position is the last one set.
-  void SetPosition(int position);
+  // Does nothing when the position is the last one set. True when it was another.
+  bool SetPosition(int position);
 
  private:
   SharedWord<int> lastPosition_{0};

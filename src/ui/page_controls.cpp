@@ -6,6 +6,7 @@
 #include "core/localization.h"
 #include "system/text.h"
 #include "ui/mailbox.h"
+#include "ui/mnemonics.h"
 #include "ui/scale.h"
 
 namespace {
@@ -31,7 +32,7 @@ void AddPlaceholderRows(HWND itemsView) {
 
 HWND CreateItemsView(HWND parent) {
   const DWORD style = WS_CHILD | WS_VISIBLE | WS_BORDER | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS |
-                      LVS_NOCOLUMNHEADER | LVS_NOSORTHEADER;
+                      LVS_NOCOLUMNHEADER | LVS_NOSORTHEADER | WS_TABSTOP;
   const HWND view = CreateWindowExW(0, WC_LISTVIEWW, nullptr, style, 0, 0, 0, 0, parent, nullptr, nullptr, nullptr);
   const LPARAM behaviour = LVS_EX_FULLROWSELECT | LVS_EX_INFOTIP | LVS_EX_LABELTIP;
   SendMessageW(view, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, behaviour);
@@ -54,7 +55,7 @@ ComponentsPageControls::ComponentsPageControls(HWND parent)
       componentsLabel(parent, LoadLocalizedString(STR_COMPONENTS) + L":"),
       itemsView(CreateItemsView(parent)),
       totalSizeLabel(parent),
-      installButton(parent, LoadLocalizedString(STR_INSTALL)) {
+      installButton(parent, LoadMarkedString(STR_INSTALL)) {
   Arrange();
   EnableWindow(installButton.Window(), FALSE);
   if (!app.isAdmin) SendMessageW(installButton.Window(), BCM_SETSHIELD, 0, TRUE);
@@ -82,9 +83,10 @@ InstallPageControls::InstallPageControls(HWND parent)
       totalLabel(parent),
       totalProgress(parent),
       totalDetailLabel(parent),
+      logName(parent, LoadLocalizedString(STR_INSTALLER)),
       logEdit(parent, EDIT_LOG, {}, ES_MULTILINE | WS_VSCROLL),
-      deleteTmpCheckbox(parent, LoadLocalizedString(STR_DELETE_TEMP_FILES), app.deleteTmpFiles),
-      cancelButton(parent, LoadLocalizedString(STR_CANCEL)) {
+      deleteTmpCheckbox(parent, LoadMarkedString(STR_DELETE_TEMP_FILES), app.deleteTmpFiles),
+      cancelButton(parent, LoadMarkedString(STR_CANCEL)) {
   Arrange();
   SendMessageW(logEdit.Window(), EM_SETLIMITTEXT, kLogLimit, 0);
   logEdit.Lock();

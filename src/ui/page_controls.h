@@ -33,11 +33,13 @@ struct InstallPageControls {
   Label totalLabel;
   ProgressBar totalProgress;
   Label totalDetailLabel;
+  Label logName;  // has no size: screen readers take the label before a control for its name
   TextEdit logEdit;
   CheckBox deleteTmpCheckbox;
   PushButton cancelButton;
 };
 
 // Appends one line, whatever control characters a name in it has, to the log of the installation page; nothing while
-// there is no such page. The user's selection in the log stays. Called by the worker, which doesn't wait (ui/mailbox.h).
+// there is no such page. The user's selection in the log stays, and so does what he has scrolled to. Called by the
+// worker, which doesn't wait (ui/mailbox.h).
 void AppendLog(const std::wstring& text);

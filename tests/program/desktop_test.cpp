@@ -43,4 +43,27 @@ TEST_F(Desktop, TheWindowIsMadeForTheScaleOfTheScreen) {
   }
 }
 
+TEST_F(Desktop, AnInstallationNeedsNoMouse) {
+  const TestPackage first{.filename = "a.dat", .content = "a", .name = "N"};
+  const TestPackage second{.filename = "b.dat", .content = "b", .name = "N", .isDefault = false};
+  Offer({first, second});
+  Start();
+  AwaitList();
+  const auto focus = [this] {
+    GUITHREADINFO thread = {};
+    thread.cbSize = sizeof thread;
+    GetGUIThreadInfo(GetWindowThreadProcessId(Window(), nullptr), &thread);
+    return thread.hwndFocus;
+  };
+  ASSERT_TRUE(WaitUntil([&] { return focus() == ComponentList(Window()); }));
+  for (const WPARAM key : {VK_ESCAPE, VK_DOWN, VK_DOWN, VK_SPACE, VK_TAB}) PressKey(focus(), key);
+  ASSERT_TRUE(WaitUntil([&] { return ShownText(focus()) == L"Install"; }));
+  PressKey(focus(), VK_RETURN);
+  ExpectEnd();
+  ExpectContent(TargetPath(L"N\\b.dat"), second.content);
+  ASSERT_TRUE(WaitUntil([&] { return ShownText(focus()) == L"Exit"; }));
+  PressKey(focus(), VK_SPACE);
+  ExpectExit();
+}
+
 }  // namespace

@@ -5,7 +5,7 @@ source "$(dirname "$0")/../../tools/common.sh"
 export ZENDORA=$root
 folder=$(mktemp -d -p "$build" guide.XXXXXX)
 trap 'rm -rf "$folder"' EXIT
-# shellcheck disable=SC2016 # the marks of a block of commands
+# shellcheck disable=SC2016 # these are no commands but the guide's marks around them
 sed -n '/^```sh$/,/^```$/{/^```/d;p;}' "$root/docs/publishing.md" >"$folder.commands"
 trap 'rm -rf "$folder" "$folder.commands"' EXIT
 [ "$(grep -c zendora-publish "$folder.commands")" -ge 5 ] || die "the guide's commands could not be found"

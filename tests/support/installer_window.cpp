@@ -100,6 +100,7 @@ std::wstring ShownText(HWND window) {
   const auto length = static_cast<size_t>(Ask(window, WM_GETTEXTLENGTH));
   std::wstring text(length + 1, L'\0');
   text.resize(static_cast<size_t>(Ask(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+  if (lstrcmpiW(ClassOf(window).c_str(), WC_BUTTONW) == 0) std::erase(text, L'&');
   return text;
 }
 

@@ -26,7 +26,7 @@ HWND ChildAt(HWND window, const wchar_t* windowClass, int x, int y);
 // At 96 dots per inch, unless said otherwise.
 HWND BottomButton(HWND window, int dpi = 96);
 
-// What a window or control shows. Empty when it doesn't answer.
+// What a window or control shows, without the sign of the letter that presses a button. Empty when it doesn't answer.
 std::wstring ShownText(HWND window);
 // The log of the installation page, without line ends.
 std::vector<std::wstring> LogLines(HWND window);

@@ -21,15 +21,8 @@ windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 
 # The middle value of each column.
 medians() {
-  awk '{ for (i = 1; i <= NF; ++i) value[i, NR] = $i; columns = NF }
-    END {
-      for (i = 1; i <= columns; ++i) {
-        for (j = 1; j <= NR; ++j) sorted[j] = value[i, j]
-        for (j = 2; j <= NR; ++j)
-          for (k = j; k > 1 && sorted[k - 1] > sorted[k]; --k) { t = sorted[k]; sorted[k] = sorted[k - 1]; sorted[k - 1] = t }
-        printf "%s%s", sorted[int((NR + 1) / 2)], i < columns ? " " : "\n"
-      }
-    }'
+  python3 -c 'import statistics, sys
+print(*(statistics.median_low(map(float, column)) for column in zip(*map(str.split, sys.stdin))))'
 }
 
 repeat() { for ((i = 0; i < rounds; ++i)); do "$@"; done | medians; }

@@ -28,7 +28,7 @@ check_cppcheck() {
   cppcheck --quiet --error-exitcode=1 -j "$(nproc)" --cppcheck-build-dir="$build/cppcheck" \
     --std=c++20 --language=c++ --platform=win32W --library=windows,googletest \
     --enable=warning,performance,portability --inline-suppr --suppress=missingIncludeSystem \
-    --suppress=unmatchedSuppression -I src -I publish -I res -I tests -I build/release/maker "${translation_units[@]}"
+    --suppress=unmatchedSuppression -I src -I res -I publish -I tests -I build/release/maker "${translation_units[@]}"
 }
 
 # Compiles everything once more, with clang-tidy, every warning, and without precompiled headers.

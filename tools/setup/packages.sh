@@ -8,7 +8,7 @@ packages=(
   # what zendora-publish is made with, and what signs the program
   libcli11-dev nlohmann-json3-dev libcurl4-openssl-dev libssl-dev osslsigncode
   # the linters
-  clang-format clang-tidy cppcheck shellcheck pylint cmake-format
+  clang-format clang-tidy cppcheck shellcheck pylint cmake-format cloc
   # Wine, with both word sizes and TLS for each
   wine wine64 wine32:i386 libgnutls30 libgnutls30:i386
   # a virtual display, and the means to photograph it
