@@ -61,12 +61,22 @@ void AddNeighbourPlaces(const Run& run, const PackageEntry& entry, PackageFile& 
   }
 }
 
+// The progress of one package, which tells also how far the whole manifest is.
+Progress ProgressOf(const Run& run, const PackageEntry& entry) {
+  if (!run.options.progress) return {};
+  const auto& packages = run.manifest.packages;
+  const std::string place = std::to_string(&entry - packages.data() + 1) + "/" + std::to_string(packages.size()) + "  ";
+  return [place, &run](const std::string& what, uint64_t done, uint64_t total) {
+    run.options.progress(place + what, done, total);
+  };
+}
+
 void CheckPackageFile(Run& run, const PackageEntry& entry) {
   const Package& package = entry.package;
   // A name that is no plain file name would be looked for elsewhere; its own check tells of it.
   if (!run.options.filesFolder || !IsSafeFileName(WidenBytes(package.filename))) return;
   PackageFile file = SurveyPackageFile(PackagePath(*run.options.filesFolder, package), package.filetype == kZipType,
-                                       package.password, run.options.progress);
+                                       package.password, ProgressOf(run, entry));
   if (LacksPlaces(entry, file)) AddNeighbourPlaces(run, entry, file);
   RunFileChecks(run, FileChecks(), entry, file);
   RunFileChecks(run, ArchiveChecks(), entry, file);

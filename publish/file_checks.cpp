@@ -60,16 +60,13 @@ template <typename Fault>
 void ReportEntries(const PackageEntry& entry, const PackageFile& file, const Reporter& report, Severity severity,
                    const std::string& message, Fault fault) {
   constexpr size_t kShown = 3;
+  const int line = entry.LineOf("filename");
   size_t count = 0;
-  const auto tell = [&](std::string text) {
-    const int line = entry.LineOf("filename");
-    severity == Severity::Error ? report.Error(line, std::move(text)) : report.Warning(line, std::move(text));
-  };
   for (const ArchiveEntry& candidate : file.archive.entries) {
     if (!fault(candidate) || ++count > kShown) continue;
-    tell("entry " + Quoted(candidate.info.name) + " " + message);
+    report.Tell(severity, line, "entry " + Quoted(candidate.info.name) + " " + message);
   }
-  if (count > kShown) tell(std::to_string(count - kShown) + " more entries: each " + message);
+  if (count > kShown) report.Tell(severity, line, std::to_string(count - kShown) + " more entries: each " + message);
 }
 
 void CheckOpens(const PackageEntry& entry, const PackageFile& file, const Reporter& report) {
@@ -84,18 +81,26 @@ void CheckContent(const PackageEntry& entry, const PackageFile& file, const Repo
                 [](const ArchiveEntry& e) { return e.opened == 0 && !e.unpacked; });
 }
 
-bool IsMethodKnown(const ArchiveEntry& entry) { return entry.info.method == 0 || entry.info.method == 8; }
+// AES comes as a method of its own, with the true one elsewhere.
+bool IsForeignEncryption(const ZipEntry& info) {
+  constexpr uint32_t kMethodAes = 99;
+  return info.encryption == ZipEncryption::Strong || info.method == kMethodAes;
+}
+
+bool IsForeignMethod(const ZipEntry& info) {
+  return info.method != 0 && info.method != 8 && !IsForeignEncryption(info);
+}
 
 void CheckMethods(const PackageEntry& entry, const PackageFile& file, const Reporter& report) {
   ReportEntries(entry, file, report, Severity::Error,
                 "is packed in a way that the installer can't unpack; pack with \"deflate\" or without compression",
-                [](const ArchiveEntry& e) { return !IsMethodKnown(e); });
+                [](const ArchiveEntry& e) { return IsForeignMethod(e.info); });
 }
 
 void CheckEncryption(const PackageEntry& entry, const PackageFile& file, const Reporter& report) {
   ReportEntries(entry, file, report, Severity::Error,
                 "is encrypted in a way that the installer can't undo; use the traditional zip encryption (ZipCrypto)",
-                [](const ArchiveEntry& e) { return IsMethodKnown(e) && e.info.encryption == ZipEncryption::Strong; });
+                [](const ArchiveEntry& e) { return IsForeignEncryption(e.info); });
 }
 
 void CheckPassword(const PackageEntry& entry, const PackageFile& file, const Reporter& report) {
@@ -114,8 +119,7 @@ void CheckPassword(const PackageEntry& entry, const PackageFile& file, const Rep
 // Whatever else keeps an entry from being opened.
 void CheckEntriesOpen(const PackageEntry& entry, const PackageFile& file, const Reporter& report) {
   ReportEntries(entry, file, report, Severity::Error, "can't be opened", [](const ArchiveEntry& e) {
-    return e.opened != 0 && e.opened != kZipWrongPassword && IsMethodKnown(e) &&
-           e.info.encryption != ZipEncryption::Strong;
+    return e.opened != 0 && e.opened != kZipWrongPassword && !IsForeignMethod(e.info) && !IsForeignEncryption(e.info);
   });
 }
 

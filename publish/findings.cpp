@@ -32,7 +32,7 @@ std::string Counted(size_t count, const std::string& what) {
 
 }  // namespace
 
-void Reporter::Add(Severity severity, int line, std::string message) const {
+void Reporter::Tell(Severity severity, int line, std::string message) const {
   findings_->list.push_back({severity, line, subject_, check_, std::move(message)});
 }
 

@@ -33,13 +33,12 @@ class Reporter {
 
   Reporter About(std::string_view subject) const { return {*findings_, check_, subject}; }
 
-  void Error(int line, std::string message) const { Add(Severity::Error, line, std::move(message)); }
-  void Warning(int line, std::string message) const { Add(Severity::Warning, line, std::move(message)); }
-  void Note(int line, std::string message) const { Add(Severity::Note, line, std::move(message)); }
+  void Tell(Severity severity, int line, std::string message) const;
+  void Error(int line, std::string message) const { Tell(Severity::Error, line, std::move(message)); }
+  void Warning(int line, std::string message) const { Tell(Severity::Warning, line, std::move(message)); }
+  void Note(int line, std::string message) const { Tell(Severity::Note, line, std::move(message)); }
 
  private:
-  void Add(Severity severity, int line, std::string message) const;
-
   Findings* findings_;
   std::string check_, subject_;
 };

@@ -151,5 +151,5 @@ HttpAnswer HttpProbe::Get(const HttpRequest& request, const Progress& progress) 
   answer.unreachable = IsUnreachable(code);
   ReadFacts(state_->curl.get(), answer);
   if (request.body == Body::Hash) answer.md5 = exchange.md5.Finish();
-  return std::move(answer);
+  return std::move(exchange.answer);
 }

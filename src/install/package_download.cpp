@@ -89,6 +89,7 @@ SourceOutcome ProveDownloadedFile(PackageDownload& download, const std::string& 
   }
   held.Reset();
   AppendLog(L"Hash mismatch (" + WidenBytes(hash) + L")");
+  AppendLog(L"Expected hash: " + WidenBytes(download.package.md5));
   return ReactToMismatch(download, source, result, fileSize, hash);
 }
 

@@ -4,6 +4,7 @@
 source "$(dirname "$0")/../../tools/common.sh"
 source "$root/tools/harness/nginx.sh"
 
+[ ! -e "$1" ] || set -- "$(realpath "$1")"
 tool=("$@")
 folder=$(mktemp -d -p "$build" check-site.XXXXXX)
 trap 'stop_nginx; rm -rf "$folder"' EXIT

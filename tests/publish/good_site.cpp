@@ -106,7 +106,7 @@ void GoodSite::Replace(std::string_view from, std::string_view to) {
 
 void GoodSite::Refill() {
   const Filled filled = FillManifest(*ParseManifestText("manifest.xml", manifest), Files(), {});
-  ASSERT_TRUE(filled.problems.empty()) << filled.problems[0];
+  ASSERT_TRUE(filled.problems.empty()) << testing::PrintToString(filled.problems);
   manifest = filled.text;
 }
 
