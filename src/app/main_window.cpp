@@ -166,6 +166,10 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_DESTROY:
       OnDestroy();
       return 0;
+    case WM_ENABLE:
+      // The end of any dialog or box enables its owner, but an update that has begun meanwhile needs it disabled.
+      if (wParam && app.lockedByUpdate) EnableWindow(window, FALSE);
+      break;
     case WM_CLOSE:
       if (!OnCloseRequest()) return 0;
       break;
