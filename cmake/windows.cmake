@@ -51,12 +51,17 @@ target_link_libraries(drive_installer PRIVATE zendora_text)
 add_executable(bench ${CMAKE_SOURCE_DIR}/tools/bench/bench.cpp ${installer_window})
 set_project_options(bench)
 target_include_directories(bench PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-target_link_libraries(bench PRIVATE zendora psapi)
+target_link_libraries(bench PRIVATE zendora)
+add_executable(bench_empty_window WIN32 ${CMAKE_SOURCE_DIR}/tools/bench/empty_window.cpp
+  $<TARGET_OBJECTS:resources>)
+set_project_options(bench_empty_window)
+target_link_options(bench_empty_window PRIVATE -municode)
+target_link_libraries(bench_empty_window PRIVATE comctl32)
 
 # Each build makes by default what is run with it: the in-process tests need the library's assertions, the rest the
 # program as it ships.
 if(CMAKE_BUILD_TYPE STREQUAL Release)
   set_target_properties(windows_tests PROPERTIES EXCLUDE_FROM_ALL ON)
 else()
-  set_target_properties(program_tests demo_setup_program drive_installer bench PROPERTIES EXCLUDE_FROM_ALL ON)
+  set_target_properties(program_tests demo_setup_program drive_installer bench bench_empty_window PROPERTIES EXCLUDE_FROM_ALL ON)
 endif()
