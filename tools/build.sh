@@ -1,7 +1,17 @@
 #!/usr/bin/env bash
-# Builds one preset: release (the default), debug or native.
+# Builds a preset, release by default; prints what the build says only where it fails, or takes note of a warning.
+#   tools/build.sh [PRESET [TARGET...]]
 source "$(dirname "$0")/common.sh"
+cd "$root"
 
 preset=${1:-release}
-[ -e "$build/$preset/build.ninja" ] || cmake -S "$root" --preset "$preset" >/dev/null
-cmake --build "$build/$preset"
+folder=$build/$preset
+shift || true
+# The build of a checkout that was moved or copied would go on building the old one.
+if [ -e "$folder/CMakeCache.txt" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$folder/CMakeCache.txt"; then
+  say "$folder was made for another folder; building it anew"
+  rm -rf "$folder"
+fi
+[ -e "$folder/build.ninja" ] || cmake --preset "$preset" >/dev/null
+say "building $preset"
+cmake --build "$folder" -- --quiet "${@:-all}"

@@ -3,9 +3,11 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 #include "core/context.h"
 #include "core/localization.h"
+#include "core/site.h"
 #include "system/process.h"
 #include "system/text.h"
 #include "ui/dialogs.h"
@@ -15,6 +17,17 @@ namespace {
 
 constexpr wchar_t kLibraries[] = L"Third-party software:\ntinyxml2\nminizip";
 
+// The buttons show addresses without their scheme. One for which there is no address isn't there.
+void ShowLinks(HWND dialog) {
+  std::vector<std::wstring> links = AboutLinks();
+  links.resize(ABOUT_LAST_LINK - ABOUT_FIRST_LINK + 1);
+  int button = ABOUT_FIRST_LINK;
+  for (const std::wstring& link : links) {
+    SetDlgItemTextW(dialog, button, link.c_str());
+    ShowWindow(GetDlgItem(dialog, button++), link.empty() ? SW_HIDE : SW_SHOW);
+  }
+}
+
 void Initialize(HWND dialog) {
   CenterOverOwner(dialog);
   SetWindowTextW(dialog, LoadLocalizedString(STR_HELP).c_str());
@@ -22,6 +35,7 @@ void Initialize(HWND dialog) {
   SetDlgItemTextW(dialog, ABOUT_LIBRARIES, kLibraries);
   SetDlgItemTextW(dialog, ABOUT_TITLE, LoadLocalizedString(STR_PRODUCT_TITLE).c_str());
   SetDlgItemTextW(dialog, ABOUT_VERSION, version.c_str());
+  ShowLinks(dialog);
   DialogDarkInit(dialog);
 }
 
@@ -31,7 +45,6 @@ std::wstring WindowText(HWND window) {
   return text;
 }
 
-// The buttons show addresses without their scheme.
 void OpenLink(HWND button) { OpenAddress(L"https://" + WindowText(button)); }
 
 void OnCommand(HWND dialog, int id) {
@@ -57,4 +70,4 @@ INT_PTR CALLBACK AboutProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 
 }  // namespace
 
-void AboutDialog() { DialogBoxParamW(app.instance, MAKEINTRESOURCEW(DIALOG_ABOUT), app.mainWindow, AboutProc, 0); }
+void AboutDialog() { ShowModalDialog(DIALOG_ABOUT, AboutProc); }

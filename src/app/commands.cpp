@@ -18,6 +18,7 @@
 #include "manifest/manifest_store.h"
 #include "system/text.h"
 #include "system/threads.h"
+#include "ui/mnemonics.h"
 #include "ui/page_controls.h"
 
 namespace {
@@ -35,8 +36,8 @@ void RelaunchElevated() {
   }
   app.restartArgs = WidenBytes(InstallCommandLine(packages, *app.selectedSource.Get()));
   app.commandLine.clear();
-  app.restartRequested = true;
   app.restartElevated = true;
+  app.restartRequested = true;
   PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
 }
 
@@ -62,15 +63,15 @@ void StartWorker() {
 void RewriteComponentsPage(const ComponentsPageControls& page) {
   page.installPathLabel.SetText(LoadLocalizedString(STR_INSTALL_IN) + L": [" +
                                 LoadLocalizedString(STR_FOLDERS_AUTOMATIC) + L"]");
-  page.selectFolderButton.SetText(LoadLocalizedString(STR_OPEN));
+  page.selectFolderButton.SetText(LoadMarkedString(STR_OPEN));
   page.componentsLabel.SetText(LoadLocalizedString(STR_COMPONENTS) + L":");
-  page.installButton.SetText(LoadLocalizedString(STR_INSTALL));
+  page.installButton.SetText(LoadMarkedString(STR_INSTALL));
   UpdateTotalSize();
 }
 
 // The worker writes the other texts of this page as it goes.
 void RewriteInstallPage(const InstallPageControls& page) {
-  page.deleteTmpCheckbox.SetText(LoadLocalizedString(STR_DELETE_TEMP_FILES));
+  page.deleteTmpCheckbox.SetText(LoadMarkedString(STR_DELETE_TEMP_FILES));
 }
 
 }  // namespace
@@ -92,7 +93,7 @@ void CancelOrExit() {
   }
   app.cancelRequested.Utter();
   const InstallPageControls* page = app.installPage;
-  page->cancelButton.SetText(LoadLocalizedString(STR_EXIT));
+  page->cancelButton.SetText(LoadMarkedString(STR_EXIT));
 }
 
 void SelectSource(int position) {

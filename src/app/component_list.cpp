@@ -14,6 +14,7 @@
 #include "manifest/manifest_store.h"
 #include "system/files.h"
 #include "ui/page_controls.h"
+#include "ui/scale.h"
 
 namespace {
 
@@ -41,21 +42,30 @@ bool IsChecked(HWND list, size_t row) {
   return static_cast<UINT>(state) != INDEXTOSTATEIMAGEMASK(kUnchecked);
 }
 
+std::vector<bool> CheckStates(HWND list) {
+  std::vector<bool> checked(static_cast<size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
+  for (size_t row = 0; row < checked.size(); ++row) checked[row] = IsChecked(list, row);
+  return checked;
+}
+
 // The groups of the list, numbered from 1 in the order in which packages mention them.
 class Groups {
  public:
   explicit Groups(HWND list) : list_(list) {}
 
-  // The group's number, after inserting it where it is new; 0 for no group.
+  // The group's number, after inserting it where it is new. Packages without a group have number 0; the list shows no
+  // row that is in no group, so these get one without a title.
   int NumberOf(const std::wstring& header) {
-    if (header.empty()) return 0;
-    const auto [entry, isNew] = numbers_.try_emplace(header, static_cast<int>(numbers_.size()) + 1);
+    const auto [entry, isNew] = numbers_.try_emplace(header, header.empty() ? 0 : next_);
+    if (isNew && !header.empty()) ++next_;
     if (isNew) Insert(entry->second, header);
     return entry->second;
   }
+  // All that were wanted are there; rows of others would not be shown.
+  bool AreComplete() const { return complete_; }
 
  private:
-  void Insert(int number, std::wstring header) const {
+  void Insert(int number, std::wstring header) {
     LVGROUP group = {};
     group.cbSize = sizeof group;
     group.mask = LVGF_HEADER | LVGF_GROUPID | LVGF_ALIGN;
@@ -63,10 +73,12 @@ class Groups {
     group.iGroupId = number;
     group.uAlign = LVGA_HEADER_LEFT;
     constexpr WPARAM kAtTheEnd = static_cast<WPARAM>(-1);
-    SendMessageW(list_, LVM_INSERTGROUP, kAtTheEnd, reinterpret_cast<LPARAM>(&group));
+    if (SendMessageW(list_, LVM_INSERTGROUP, kAtTheEnd, reinterpret_cast<LPARAM>(&group)) < 0) complete_ = false;
   }
 
   HWND list_;
+  int next_ = 1;
+  bool complete_ = true;
   std::map<std::wstring, int> numbers_;
 };
 
@@ -91,6 +103,7 @@ void InsertRows(HWND list, const Manifest& manifest) {
     if (requested->empty() ? package.isDefault : requestedNames.contains(filename)) SetChecked(list, row, true);
     ++row;
   }
+  if (!groups.AreComplete()) SendMessageW(list, LVM_ENABLEGROUPVIEW, FALSE, 0);
 }
 
 void FillList(HWND list, const Manifest& manifest) {
@@ -99,7 +112,7 @@ void FillList(HWND list, const Manifest& manifest) {
   SendMessageW(list, LVM_ENABLEGROUPVIEW, TRUE, 0);
   listReady = false;
   SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
-  SendMessageW(list, LVM_SETCOLUMNWIDTH, 0, kColumnWidth);
+  SendMessageW(list, LVM_SETCOLUMNWIDTH, 0, Scaled(kColumnWidth));
   SendMessageW(list, LVM_SETITEMCOUNT, manifest.packageOrder.size(), 0);
   InsertRows(list, manifest);
   SendMessageW(list, WM_SETREDRAW, TRUE, 0);
@@ -116,6 +129,21 @@ void PopulateComponentList() {
   listReady = true;
   UpdateTotalSize();
   EnableWindow(page->installButton.Window(), TRUE);
+}
+
+void FitComponentList() {
+  const ComponentsPageControls* page = ShownPage();
+  if (!page) return;
+  const HWND list = page->itemsView;
+  SendMessageW(list, LVM_SETCOLUMNWIDTH, 0, Scaled(kColumnWidth));
+  if (!listReady) return;
+  const std::vector<bool> checked = CheckStates(list);
+  listReady = false;
+  // The list draws its check boxes once, when it gets them, and with them the rows become unchecked.
+  SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, 0);
+  SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
+  for (size_t row = 0; row < checked.size(); ++row) SetChecked(list, static_cast<int>(row), checked[row]);
+  listReady = true;
 }
 
 void UpdateTotalSize() {

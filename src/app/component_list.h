@@ -8,6 +8,9 @@
 // is shown.
 void PopulateComponentList();
 
+// Fits the column and the check boxes to the window's scale, which may have changed.
+void FitComponentList();
+
 // Rewrites the total size of the checked rows, in the UI language. Nothing while the list is being filled.
 void UpdateTotalSize();
 

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "app/keyboard.h"
 #include "app/main_window.h"
 #include "app/single_instance.h"
 #include "core/context.h"
@@ -35,7 +36,7 @@ int RunMessageLoop() {
   const HACCEL accelerators = LoadAcceleratorsW(app.instance, MAKEINTRESOURCEW(ACCELERATORS_MAIN));
   MSG message = {};
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-    if (TranslateAcceleratorW(message.hwnd, accelerators, &message)) continue;
+    if (TakeKey(accelerators, message)) continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }

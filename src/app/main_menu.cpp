@@ -1,13 +1,13 @@
 #include "app/main_menu.h"
 
-#include <windows.h>
-
 #include <string>
 
 #include "core/context.h"
 #include "core/localization.h"
 #include "manifest/manifest_store.h"
 #include "system/text.h"
+#include "system/threads.h"
+#include "ui/mnemonics.h"
 
 namespace {
 
@@ -31,15 +31,11 @@ void AppendChoice(HMENU popup, UINT_PTR command, const std::wstring& text, bool 
 
 HMENU BuildLanguagePopup(uint32_t current) {
   const HMENU popup = CreatePopupMenu();
-  for (const auto& [language, name] : UiLanguages()) AppendChoice(popup, language, name, language == current);
+  Mnemonics mnemonics;
+  for (const auto& [language, name] : UiLanguages()) {
+    AppendChoice(popup, language, mnemonics.Mark(name), language == current);
+  }
   return popup;
-}
-
-// A title as a menu shows it whole: a single "&" would underline what follows it.
-std::wstring MenuTextOf(const std::string& title) {
-  std::wstring text;
-  for (const wchar_t character : WidenBytes(title)) text.append(character == L'&' ? 2 : 1, character);
-  return text;
 }
 
 HMENU BuildSourcePopup() {
@@ -48,26 +44,36 @@ HMENU BuildSourcePopup() {
   const HMENU popup = CreatePopupMenu();
   UINT_PTR command = kFirstSourceCommand;
   for (const auto& [key, source] : manifest->sources) {
-    AppendChoice(popup, command++, MenuTextOf(source.title), key == *selected);
+    AppendChoice(popup, command++, WithoutMnemonic(WidenBytes(source.title)), key == *selected);
   }
   return popup;
 }
 
-HMENU BuildMenu() {
+void FillFilePopup(HMENU menu) {
   const uint32_t language = app.uiLanguage;
-  const HMENU menu = LoadMenuW(app.instance, MAKEINTRESOURCEW(MENU_MAIN));
   const auto& names = UiLanguages();
   const auto name = names.find(language);
-  SetItem(menu, kFilePlace, By::Position, LoadLocalizedString(STR_FILE));
-  SetItem(menu, COMMAND_LANGUAGES, By::Command, name != names.end() ? name->second : std::wstring(),
+  Mnemonics mnemonics;
+  SetItem(menu, kFilePlace, By::Position, LoadMarkedString(STR_FILE));
+  SetItem(menu, COMMAND_LANGUAGES, By::Command, mnemonics.Mark(name != names.end() ? name->second : std::wstring()),
           BuildLanguagePopup(language));
-  SetItem(menu, COMMAND_ABOUT, By::Command, LoadLocalizedString(STR_HELP));
-  SetItem(menu, COMMAND_EXIT, By::Command, LoadLocalizedString(STR_EXIT));
-  SetItem(menu, kSourcesPlace, By::Position, LoadLocalizedString(STR_DOWNLOAD_SOURCE), BuildSourcePopup());
-  SetItem(menu, kOptionsPlace, By::Position, LoadLocalizedString(STR_OPTIONS));
-  SetItem(menu, COMMAND_SPEED_LIMIT, By::Command, LoadLocalizedString(STR_SET_SPEED_LIMIT));
-  SetItem(menu, COMMAND_TEMP_FOLDER, By::Command, LoadLocalizedString(STR_CHANGE_TEMP_FOLDER));
-  SetItem(menu, COMMAND_DELETE_APP_DATA, By::Command, LoadLocalizedString(STR_DELETE_APP_DATA));
+  SetItem(menu, COMMAND_ABOUT, By::Command, mnemonics.Mark(LoadLocalizedString(STR_HELP)));
+  SetItem(menu, COMMAND_EXIT, By::Command, mnemonics.Mark(LoadLocalizedString(STR_EXIT)));
+}
+
+void FillOptionsPopup(HMENU menu) {
+  Mnemonics mnemonics;
+  SetItem(menu, kOptionsPlace, By::Position, LoadMarkedString(STR_OPTIONS));
+  SetItem(menu, COMMAND_SPEED_LIMIT, By::Command, mnemonics.Mark(LoadLocalizedString(STR_SET_SPEED_LIMIT)));
+  SetItem(menu, COMMAND_TEMP_FOLDER, By::Command, mnemonics.Mark(LoadLocalizedString(STR_CHANGE_TEMP_FOLDER)));
+  SetItem(menu, COMMAND_DELETE_APP_DATA, By::Command, mnemonics.Mark(LoadLocalizedString(STR_DELETE_APP_DATA)));
+}
+
+HMENU BuildMenu() {
+  const HMENU menu = LoadMenuW(app.instance, MAKEINTRESOURCEW(MENU_MAIN));
+  FillFilePopup(menu);
+  SetItem(menu, kSourcesPlace, By::Position, LoadMarkedString(STR_DOWNLOAD_SOURCE), BuildSourcePopup());
+  FillOptionsPopup(menu);
   return menu;
 }
 
@@ -90,3 +96,9 @@ void ReplaceMenu(HMENU menu) {
 }  // namespace
 
 void BuildMainMenu() { ReplaceMenu(BuildMenu()); }
+
+bool CanDeleteAppData() { return !IsThreadActive(app.workerThread) && !app.updateInProgress; }
+
+void OnMenuOpens(HMENU popup) {
+  EnableMenuItem(popup, COMMAND_DELETE_APP_DATA, CanDeleteAppData() ? MF_ENABLED : MF_GRAYED);
+}

@@ -7,11 +7,13 @@
 #include "app/commands.h"
 #include "app/component_list.h"
 #include "app/dialogs.h"
+#include "app/keyboard.h"
 #include "app/main_menu.h"
 #include "app/manifest_thread.h"
 #include "app/pages.h"
 #include "app/shutdown.h"
 #include "app/single_instance.h"
+#include "app/window_scale.h"
 #include "core/context.h"
 #include "core/localization.h"
 #include "core/settings.h"
@@ -22,12 +24,12 @@
 #include "ui/mailbox.h"
 #include "ui/message_boxes.h"
 #include "ui/page_controls.h"
+#include "ui/scale.h"
+#include "ui/taskbar.h"
 #include "ui/theme/dark_menu_bar.h"
 #include "ui/theme/theme.h"
 
 namespace {
-
-constexpr int kWindowWidth = 600, kWindowHeight = 480;
 
 void OnInfoTip(NMLVGETINFOTIPW& request) {
   const std::wstring tooltip = ComponentTooltip(request.iItem);
@@ -46,6 +48,9 @@ LRESULT OnNotify(LPARAM lParam) {
       return 0;
     case LVN_ITEMCHANGED:
       if (reinterpret_cast<const NMLISTVIEW*>(lParam)->uNewState & LVIS_STATEIMAGEMASK) UpdateTotalSize();
+      return 0;
+    case NM_SETFOCUS:
+      OnListFocus(header->hwndFrom);
       return 0;
     case NM_DBLCLK:
       CheckOnlyComponent(reinterpret_cast<const NMITEMACTIVATE*>(lParam)->iItem);
@@ -103,7 +108,7 @@ bool OnMenuCommand(HWND window, int id) {
       SpeedLimitDialog();
       return true;
     case COMMAND_DELETE_APP_DATA:
-      DeleteAppData();
+      if (CanDeleteAppData()) DeleteAppData();
       return true;
     default:
       break;
@@ -156,6 +161,7 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
   switch (message) {
     case WM_NCCREATE:
       app.mainWindow = window;  // from the first message on
+      SetScale(DpiOf(window));
       break;
     case WM_DESTROY:
       OnDestroy();
@@ -163,6 +169,15 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_CLOSE:
       if (!OnCloseRequest()) return 0;
       break;
+    case WM_INITMENUPOPUP:
+      OnMenuOpens(reinterpret_cast<HMENU>(wParam));
+      return 0;
+    case WM_ACTIVATE:
+      OnActivate(LOWORD(wParam));
+      break;
+    case WM_SETFOCUS:
+      FocusPage();
+      return 0;
     case WM_ERASEBKGND:
       EraseBackground(window, reinterpret_cast<HDC>(wParam));
       return 1;
@@ -181,6 +196,9 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case kShowNotesMessage:
       pageNotes.OnMessage(window, wParam);
       return 0;
+    case kTaskbarMessage:
+      OnTaskbarMessage(window, wParam, lParam);
+      return 0;
     case WM_COPYDATA:
       OnForwardedCommandLine(wParam, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
       return 0;
@@ -188,6 +206,12 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       return OnNotify(lParam);
     case WM_COMMAND:
       return OnCommand(window, wParam, lParam);
+    case kScaleChangedMessage:
+      OnScaleChanged(window, LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+      return 0;
+    case kScaledSizeMessage:
+      *reinterpret_cast<SIZE*>(lParam) = MainWindowSizeAt(static_cast<int>(wParam));
+      return TRUE;
     case WM_NCPAINT:
     case WM_NCACTIVATE:
       return OnFramePaint(window, message, wParam, lParam);
@@ -214,13 +238,6 @@ HICON LoadApplicationIcon(HINSTANCE instance, int widthMetric, int heightMetric)
                                        GetSystemMetrics(widthMetric), GetSystemMetrics(heightMetric), LR_SHARED));
 }
 
-void MeasureDesktop() {
-  RECT desktop{};
-  GetClientRect(GetDesktopWindow(), &desktop);
-  app.desktopWidth = desktop.right;
-  app.desktopHeight = desktop.bottom;
-}
-
 }  // namespace
 
 void RegisterMainWindowClass(HINSTANCE instance) {
@@ -245,10 +262,10 @@ bool CreateMainWindow(HINSTANCE instance, int showCommand) {
   MeasureDesktop();
   CreateThemeBrushes();
   const HWND window = CreateWindowExW(0, kWindowClassName, LoadLocalizedString(STR_PRODUCT_TITLE).c_str(),
-                                      WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN,
-                                      (app.desktopWidth - kWindowWidth) / 2, (app.desktopHeight - kWindowHeight) / 2,
-                                      kWindowWidth, kWindowHeight, nullptr, nullptr, instance, nullptr);
+                                      kMainWindowStyle, 0, 0, 0, 0, nullptr, nullptr, instance, nullptr);
   if (!window) return false;
+  PlaceInMiddle(window);
+  HideKeyboardCues(window);
   if (app.darkMode) AllowDarkMode(window);
   ShowComponentsPage();
   SetUiLanguage(app.uiLanguage);

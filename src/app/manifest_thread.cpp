@@ -72,8 +72,9 @@ void LoadAndShow(bool startRequested) {
   if (packages > 0) {
     RemoveForgottenCopy();
     SendMessageW(app.mainWindow, kFillComponentListMessage, 0, 0);
-  } else if (app.restartRequested) {
-    return;
+  } else {
+    if (app.restartRequested) return;
+    if (!app.cancelRequested) ShowManifestError(ERROR_INVALID_DATA);
   }
   if (LastCacheSave() == CacheSave::NotWritable) OfferRepairOfCache();
   if (startRequested && !app.updateInProgress) SendMessageW(installButton, BM_CLICK, 0, 0);

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "app/component_list.h"
+#include "app/keyboard.h"
 #include "core/context.h"
 #include "core/localization.h"
 #include "system/threads.h"
@@ -23,10 +25,18 @@ BOOL CALLBACK HideChild(HWND child, LPARAM) {
 // Releases the wrappers and fonts of a page whose windows are gone. A thread that fills the page's controls may still
 // hold the page; then it stays, and what that thread sends reaches no window.
 template <typename PageControls>
-void ReleasePage(SharedWord<PageControls*>& page, const KernelHandle& writer) {
+void ReleasePage(PublishingWord<PageControls*>& page, const KernelHandle& writer) {
   PageControls* const old = page;
   page = nullptr;
   if (!IsThreadActive(writer)) delete old;
+}
+
+// Stays until the program ends, as nothing follows its page.
+Label* closingLabel = nullptr;
+
+void ArrangeClosingPage() {
+  closingLabel->SetFontHeight(22);
+  closingLabel->SetPlace({0, 0, 600, 400});
 }
 
 void RemoveCurrentPage() {
@@ -43,6 +53,7 @@ void ShowComponentsPage() {
   app.componentsPage = new ComponentsPageControls(app.mainWindow);
   app.currentPage = ComponentsPage;
   ThemeChildren(app.mainWindow);
+  BeginKeyboardPage();
 }
 
 void ShowInstallPage() {
@@ -52,15 +63,24 @@ void ShowInstallPage() {
   app.currentPage = InstallPage;
   ThemeChildren(app.mainWindow);
   if (app.darkMode) ThemeUnstyledControl(page->deleteTmpCheckbox.Window());
+  BeginKeyboardPage();
 }
 
 void ShowClosingPage() {
   if (app.currentPage == ClosingPage) return;
   EnumChildWindows(app.mainWindow, HideChild, 0);
-  // Stays until the program ends, as nothing follows this page.
-  auto& closingLabel = *new Label(app.mainWindow, LoadLocalizedString(STR_CLOSING) + L"..", SS_CENTER | SS_CENTERIMAGE);
-  closingLabel.SetFontHeight(22);
-  closingLabel.SetPlace({0, 0, 600, 400});
+  closingLabel = new Label(app.mainWindow, LoadLocalizedString(STR_CLOSING) + L"..", SS_CENTER | SS_CENTERIMAGE);
+  ArrangeClosingPage();
   app.currentPage = ClosingPage;
   ThemeChildren(app.mainWindow);
+  BeginKeyboardPage();
+}
+
+void ArrangePage() {
+  if (ComponentsPageControls* const page = app.componentsPage) {
+    page->Arrange();
+    FitComponentList();
+  }
+  if (InstallPageControls* const page = app.installPage) page->Arrange();
+  if (app.currentPage == ClosingPage) ArrangeClosingPage();
 }

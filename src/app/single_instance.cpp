@@ -1,7 +1,5 @@
 #include "app/single_instance.h"
 
-#include <shellapi.h>
-
 #include <utility>
 
 #include "app/command_line.h"
@@ -9,6 +7,7 @@
 #include "core/localization.h"
 #include "system/files.h"
 #include "system/path_names.h"
+#include "system/process.h"
 #include "system/text.h"
 #include "update/replaced_program.h"
 
@@ -46,11 +45,10 @@ bool WaitForMutex() {
 
 // The settings are not read: they belong to the instance that runs.
 void TellOtherInstanceStays() {
-  ResolveUiLanguage(0);
-  SetThreadLanguage(app.uiLanguage);
+  SetThreadLanguage(ResolveUiLanguage(0));
   MessageBoxW(nullptr, LoadLocalizedString(STR_ANOTHER_INSTANCE).c_str(), LoadLocalizedString(STR_ERROR).c_str(),
               MB_ICONERROR);
-  ShellExecuteW(nullptr, nullptr, SystemFilePath(L"taskmgr.exe").c_str(), L" /7", nullptr, SW_SHOWDEFAULT);
+  StartThroughShell({nullptr, SystemFilePath(L"taskmgr.exe"), L" /7", {}, nullptr, SW_SHOWDEFAULT});
 }
 
 // What fits a command line that is kept, never half of a surrogate pair.

@@ -11,6 +11,7 @@
 #include "core/localization.h"
 #include "core/settings.h"
 #include "ui/dialogs.h"
+#include "ui/mnemonics.h"
 #include "ui/theme/theme.h"
 
 namespace {
@@ -37,11 +38,14 @@ void FitScale(HWND dialog, uint32_t speed) {
 }
 
 void Initialize(HWND dialog) {
-  SetWindowTextW(dialog, LoadLocalizedString(STR_SPEED_LIMIT).c_str());
+  const std::wstring title = LoadLocalizedString(STR_SPEED_LIMIT);
+  SetWindowTextW(dialog, title.c_str());
+  for (const int name : {SPEED_TRACKBAR_NAME, SPEED_EDIT_NAME}) SetDlgItemTextW(dialog, name, title.c_str());
+  dragEnded = true;  // the dialog before this one may have been closed while its slider was dragged
   FitScale(dialog, app.maxDownloadSpeedKB);
   ShowSpeed(dialog, app.maxDownloadSpeedKB);
   SetDlgItemTextW(dialog, IDOK, LoadLocalizedString(STR_OK).c_str());
-  SetDlgItemTextW(dialog, SPEED_RESET, LoadLocalizedString(STR_RESET).c_str());
+  SetDlgItemTextW(dialog, SPEED_RESET, Mnemonics().Mark(LoadLocalizedString(STR_RESET)).c_str());
   SetDlgItemTextW(dialog, IDCANCEL, LoadLocalizedString(STR_CANCEL).c_str());
   CenterOverOwner(dialog);
   DialogDarkInit(dialog);
@@ -66,9 +70,16 @@ void OnReset(HWND dialog) {
   scaleMax = SpeedScaleMax(app.maxDownloadSpeedKB);
 }
 
+// What nobody has touched stays as it is, though its text may be longer than what is read from the edit.
+bool IsUntouched(HWND dialog) {
+  wchar_t text[16];
+  GetDlgItemTextW(dialog, SPEED_EDIT, text, ARRAYSIZE(text));
+  return text == SpeedText(app.maxDownloadSpeedKB);
+}
+
 void OnOk(HWND dialog) {
   const uint32_t speed = EnteredSpeed(dialog);
-  if (speed != app.maxDownloadSpeedKB) {
+  if (speed != app.maxDownloadSpeedKB && !IsUntouched(dialog)) {
     SetSpeedLimit(speed);
     SaveMaxDownloadSpeed();
   }
@@ -114,6 +125,4 @@ INT_PTR CALLBACK SpeedLimitProc(HWND dialog, UINT message, WPARAM wParam, LPARAM
 
 }  // namespace
 
-void SpeedLimitDialog() {
-  DialogBoxParamW(app.instance, MAKEINTRESOURCEW(DIALOG_SPEED_LIMIT), app.mainWindow, SpeedLimitProc, 0);
-}
+void SpeedLimitDialog() { ShowModalDialog(DIALOG_SPEED_LIMIT, SpeedLimitProc); }

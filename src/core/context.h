@@ -17,7 +17,6 @@ struct ComponentsPageControls;
 struct InstallPageControls;
 
 inline constexpr wchar_t kProductTitle[] = L"Zendora Installer";
-inline constexpr char kProductVersion[] = "4.0.8";
 inline constexpr wchar_t kWindowClassName[] = L"Zendora_Installer";
 inline constexpr wchar_t kApplicationId[] = L"app.zendora.installer";
 inline constexpr std::wstring_view kManifestName = L"manifest.xml";  // of the cached manifest's file
@@ -70,8 +69,8 @@ struct AppContext {
   SharedWord<int> currentPage{NoPage};  // a Page; written by the UI thread, read by all
   // The controls of the page that is shown; null while the page doesn't exist. Written by the UI thread. The record of
   // a page that was replaced stays, because another thread may hold it.
-  SharedWord<ComponentsPageControls*> componentsPage;
-  SharedWord<InstallPageControls*> installPage;
+  PublishingWord<ComponentsPageControls*> componentsPage;
+  PublishingWord<InstallPageControls*> installPage;
   KernelHandle manifestThread, workerThread;  // UI thread
   bool darkModeSupported = false;
   SharedWord<bool> darkMode;  // written by the UI thread and by that of the update dialog; read by both
@@ -81,10 +80,11 @@ struct AppContext {
   WindowHold windowHold;
   SharedWord<int> closeReason{NotEnding};  // a CloseReason; written by the UI thread, read by the worker
   // A relaunch that the main window performs when it is destroyed. Written by the UI thread, or by the manifest
-  // thread right before it posts WM_CLOSE.
-  SharedWord<bool> restartRequested, restartElevated;
-  SharedWord<bool> restartDropsCommandLine;  // the new process gets restartArgs only
+  // thread right before it posts WM_CLOSE: first what the relaunch is like, then that there is one.
+  bool restartElevated = false;
+  bool restartDropsCommandLine = false;  // the new process gets restartArgs only
   std::wstring restartArgs;
+  PublishingWord<bool> restartRequested;
   SharedWord<bool> updateInProgress;   // set by the manifest thread, never cleared; read by the UI and manifest threads
   SharedWord<bool> selectionFromUser;  // installList came from the checked rows; UI thread, read by the worker
   // Size of the primary screen in pixels, measured when the main window is created.

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "core/context.h"
+#include "core/site.h"
 #include "system/modules.h"
 #include "system/path_names.h"
 #include "system/text.h"

@@ -50,15 +50,13 @@ const std::map<uint32_t, std::wstring>& UiLanguages() {
   return languages;
 }
 
-bool ResolveUiLanguage(uint32_t candidate) {
-  uint32_t language = candidate;
+uint32_t ResolveUiLanguage(uint32_t stored) {
+  uint32_t language = stored;
   if (language == 0) {
     language = PRIMARYLANGID(GetUserDefaultUILanguage());
     if (ReadsRussian(static_cast<LANGID>(language))) language = LANG_RUSSIAN;
   }
-  if (!UiLanguages().contains(language)) return false;
-  app.uiLanguage = language;
-  return true;
+  return UiLanguages().contains(language) ? language : uint32_t{LANG_ENGLISH};
 }
 
 void SetThreadLanguage(uint32_t language) {

@@ -10,9 +10,9 @@
 // Primary language identifier -> the language's own name, in the order of the language menu.
 const std::map<uint32_t, std::wstring>& UiLanguages();
 
-// Settles app.uiLanguage from a stored language, or with 0 from the user's own Windows language (languages whose
-// speakers mostly read Russian get Russian). False when that language is not offered: nothing changes then.
-bool ResolveUiLanguage(uint32_t candidate);
+// The language to use: the stored one, or for 0 the user's own Windows language (languages whose speakers mostly read
+// Russian give Russian). English when that language is not offered.
+uint32_t ResolveUiLanguage(uint32_t stored);
 
 // The language in which the calling thread loads strings from now on. Every thread calls it before its first string.
 void SetThreadLanguage(uint32_t language);

@@ -19,6 +19,8 @@ bool RepairPermissions() {
   static wchar_t userNameBuffer[UNLEN + 1];
   DWORD capacity = UNLEN + 1;
   GetUserNameW(userNameBuffer, &capacity);
-  // By its full path: of a bare name the shell looks into the current folder first, and this runs elevated.
-  return RunElevated(SystemFilePath(L"cmd.exe"), BuildRepairParameters(app.appDataPath, userNameBuffer));
+  // By its full path, and in the system folder: of a bare name, its own or icacls, the current folder would be searched
+  // first, and this runs elevated.
+  return RunElevated(SystemFilePath(L"cmd.exe"), BuildRepairParameters(app.appDataPath, userNameBuffer),
+                     app.mainWindow);
 }

@@ -164,7 +164,7 @@ void LoadSettings() {
   SettleInstallPath(ReadPath(key, kLastInstallPath));
   app.deleteTmpFiles = ReadNumber(key, kDeleteTmpFiles) == 1;
   SetSpeedLimit(ReadNumber(key, kMaxDownloadSpeed));
-  ResolveUiLanguage(ReadNumber(key, kLanguage));
+  app.uiLanguage = ResolveUiLanguage(ReadNumber(key, kLanguage));
 }
 
 void SetSpeedLimit(uint32_t kilobytesPerSecond) {

@@ -8,3 +8,5 @@ inline constexpr UINT kFillComponentListMessage = WM_APP + 1;  // the manifest h
 inline constexpr UINT kSpeedTimerMessage = WM_APP + 2;         // wParam TRUE arms the speed timer, FALSE stops it
 // Something lies in the window's mailbox (ui/mailbox.h). Posted; sent with wParam TRUE to have it shown at once.
 inline constexpr UINT kShowNotesMessage = WM_APP + 3;
+// What the taskbar button is to tell (ui/taskbar.h). Posted.
+inline constexpr UINT kTaskbarMessage = WM_APP + 4;

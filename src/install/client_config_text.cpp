@@ -4,9 +4,16 @@
 
 namespace {
 
+// A folder may have an "&" in its name. What else XML gives a meaning can't be in one.
+std::string XmlText(const std::string& value) {
+  std::string text;
+  for (const char c : value) text += c == '&' ? std::string("&amp;") : std::string(1, c);
+  return text;
+}
+
 int FillElement(std::string& text, const std::string& name, const std::string& value) {
   const std::string open = "<" + name + ">", close = "</" + name + ">";
-  return !value.empty() && ReplaceFirst(text, open + close, open + value + close) ? 1 : 0;
+  return !value.empty() && ReplaceFirst(text, open + close, open + XmlText(value) + close) ? 1 : 0;
 }
 
 }  // namespace

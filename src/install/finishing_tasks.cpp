@@ -3,12 +3,13 @@
 #include <shlobj.h>
 
 #include "install/client_config.h"
+#include "install/package_paths.h"
 #include "install/package_texts.h"
 #include "system/files.h"
 #include "system/path_names.h"
-#include "ui/message_boxes.h"
 #include "system/shortcut.h"
 #include "system/text.h"
+#include "ui/message_boxes.h"
 #include "ui/page_controls.h"
 
 namespace {
@@ -29,7 +30,7 @@ void RunAddons(const Package& package, const std::string& targetFolder) {
 
 void CreateDesktopLink(const Package& package, const std::wstring& targetFolder) {
   const auto pieces = SplitTaskText(package.link);
-  const std::wstring program = JoinPath(targetFolder, Piece(pieces, 0));
+  const std::wstring program = PathInTarget(targetFolder, pieces[0]);
   if (!FileExistsNonEmpty(program)) return;
   const std::wstring title = Piece(pieces, 1);
   const std::wstring name = title.empty() ? LastComponent(program) : title;
@@ -45,5 +46,5 @@ void CreateDesktopLink(const Package& package, const std::wstring& targetFolder)
 void RunExecuteTask(const Package& package, const std::wstring& targetFolder) {
   const auto pieces = SplitTaskText(package.execute);
   if (pieces.empty()) return;
-  RunProcess(false, false, JoinPath(targetFolder, Piece(pieces, 0)), Piece(pieces, 1));
+  RunProcess(false, false, PathInTarget(targetFolder, pieces[0]), Piece(pieces, 1));
 }

@@ -1,5 +1,5 @@
-// What follows when a package has been placed, which has checked its paths: addons, the desktop shortcut, a program to
-// start. All failures are silent. Worker.
+// What follows when a package, whose paths have been looked at, has been placed: addons, the desktop shortcut, a
+// program to start. Failures are silent but for a shortcut's name that leaves the desktop, which the log tells. Worker.
 #pragma once
 
 #include <string>

@@ -1,13 +1,12 @@
 #include "install/install_task.h"
 
-#include <shellapi.h>
 #include <windows.h>
 
 #include <vector>
 
 #include "core/context.h"
 #include "core/localization.h"
-#include "install/package_download.h"
+#include "install/package_paths.h"
 #include "install/package_texts.h"
 #include "install/run_display.h"
 #include "net/telemetry_reports.h"
@@ -31,10 +30,10 @@ struct InstallerCommand {
   std::wstring program, arguments;
 };
 
-InstallerCommand CommandOf(const Installation& run, const Package& package, const std::wstring& target) {
+InstallerCommand CommandOf(const RunState& run, const Package& package, const std::wstring& target) {
   const std::vector<std::string> pieces = SplitTaskText(package.install);
   InstallerCommand command;
-  command.program = JoinPath(target, WidenBytes(pieces[0]));
+  command.program = PathInTarget(target, pieces[0]);
   if (!FileExistsNonEmpty(command.program)) command.program = PackageFilePath(run, package.filename);
   if (pieces.size() > 1) command.arguments = L" " + WidenBytes(pieces[1]);
   return command;
@@ -81,14 +80,14 @@ std::wstring ExplorerPath() {
 void OfferManualStart(const std::wstring& program) {
   const std::wstring text = LoadLocalizedString(STR_CANNOT_START_PROCESS) + L"\n\n" +
                             LoadLocalizedString(STR_START_MANUALLY) + L":\n" + program + L"\n\n" +
-                            LoadLocalizedString(STR_OPEN) + L"?";
+                            LoadLocalizedString(STR_OPEN_QUESTION);
   if (ShowBox(text, LoadLocalizedString(STR_ERROR), MB_YESNO | MB_ICONERROR) != IDYES) return;
-  ShellExecuteW(nullptr, nullptr, ExplorerPath().c_str(), (L"/select, " + program).c_str(), nullptr, SW_SHOWDEFAULT);
+  StartThroughShell({nullptr, ExplorerPath(), L"/select, " + program, {}, nullptr, SW_SHOWDEFAULT});
 }
 
 }  // namespace
 
-uint32_t RunInstallTask(Installation& run, const Package& package, const std::wstring& target) {
+uint32_t RunInstallTask(RunState& run, const Package& package, const std::wstring& target) {
   const InstallerCommand command = CommandOf(run, package, target);
   KernelHandle process;
   if (const DWORD error = Start(command, process)) {

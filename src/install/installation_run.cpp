@@ -1,5 +1,6 @@
 #include "install/installation_run.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "core/context.h"
@@ -7,18 +8,21 @@
 #include "core/site.h"
 #include "install/finishing_tasks.h"
 #include "install/game_paths.h"
-#include "install/installation.h"
 #include "install/package_download.h"
+#include "install/package_paths.h"
 #include "install/package_placement.h"
 #include "install/registry_items.h"
 #include "install/run_display.h"
+#include "install/run_state.h"
 #include "install/transfer_status.h"
 #include "manifest/manifest_store.h"
 #include "system/files.h"
 #include "system/path_names.h"
 #include "system/text.h"
+#include "system/wakefulness.h"
 #include "ui/message_boxes.h"
 #include "ui/page_controls.h"
+#include "ui/taskbar.h"
 
 // The story starts at the end of this file.
 
@@ -48,7 +52,7 @@ std::wstring ExistingGameFolder(const std::string& filename) {
   return {};
 }
 
-void AskReinstallIntoExistingFolders(Installation& run) {
+void AskReinstallIntoExistingFolders(RunState& run) {
   if (!DetectGameInstallations(false)) return;
   std::wstring list;
   for (const std::string& filename : run.installList) {
@@ -66,7 +70,7 @@ void AskReinstallIntoExistingFolders(Installation& run) {
   }
 }
 
-void TakeOverOptions(Installation& run) {
+void TakeOverOptions(RunState& run) {
   run.installPath = *app.installPath.Get();
   run.tmpPath = *app.tmpPath.Get();
   run.selectedSource = *app.selectedSource.Get();
@@ -77,7 +81,7 @@ void TakeOverOptions(Installation& run) {
   run.downloads.SetGzipEnabled(false);
 }
 
-void ShowRunStart(const Installation& run) {
+void ShowRunStart(const RunState& run) {
   AppendLog(L"Installation directory: " + run.installPath);
   AppendLog(L"Temporary directory: " + run.tmpPath);
   if (run.initialLimitKB != 0) AppendLog(L"Speed limit: " + std::to_wstring(run.initialLimitKB) + L" KB/s");
@@ -88,23 +92,32 @@ void ShowRunStart(const Installation& run) {
   ShowTotalProgress(0, 1);
 }
 
-void AddUpPackages(Installation& run) {
-  uint64_t downloadTotal = 0;
+void ListPackages(RunState& run) {
+  for (const std::string& filename : run.installList) {
+    if (!FindPackage(filename)) continue;
+    AppendToList(run.installedList, filename);
+    run.packageStats[filename] = {};
+  }
+}
+
+// What the bars are measured by. To be taken anew when the manifest may have changed.
+void AddUpPackages(RunState& run) {
+  uint64_t downloadTotal = 0, downloadedBefore = 0;
+  run.upsizeTotal = 0;
   for (const std::string& filename : run.installList) {
     const auto package = FindPackage(filename);
     if (!package) continue;
     downloadTotal += static_cast<uint64_t>(package->size);
+    if (IsProven(run, *package)) downloadedBefore += static_cast<uint64_t>(package->size);
     run.upsizeTotal += static_cast<uint64_t>(package->upsize);
-    AppendToList(run.installedList, filename);
-    run.packageStats[filename] = {};
   }
   transferStatus.downloadTotal = downloadTotal;
-  transferStatus.downloadedBefore = 0;
+  transferStatus.downloadedBefore = downloadedBefore;
 }
 
 // --- Reports
 
-void SendStartReport(Installation& run) {
+void SendStartReport(RunState& run) {
   StartReport report;
   report.uuid = app.uuid;
   report.packages = run.installedList;
@@ -117,7 +130,7 @@ void SendStartReport(Installation& run) {
   run.reports.PostForm(BuildStartReport(report));
 }
 
-PhaseEnd DescribePhaseEnd(const Installation& run, bool cancelled) {
+PhaseEnd DescribePhaseEnd(const RunState& run, bool cancelled) {
   PhaseEnd end;
   end.uuid = app.uuid;
   end.cancelled = cancelled;
@@ -132,39 +145,64 @@ PhaseEnd DescribePhaseEnd(const Installation& run, bool cancelled) {
 }
 
 // A phase that went smoothly is not worth a report.
-void SendDownloadReport(Installation& run, bool cancelled) {
+void SendDownloadReport(RunState& run, bool cancelled) {
   if (run.errorRecords.empty() && !cancelled) return;
   run.reports.PostForm(BuildDownloadReport(DescribePhaseEnd(run, cancelled)));
 }
 
-void SendInstallReport(Installation& run, bool cancelled) {
+void SendInstallReport(RunState& run, bool cancelled) {
   run.reports.PostForm(BuildInstallReport(DescribePhaseEnd(run, cancelled), run.installedList));
 }
 
 // --- Downloading
 
-void DownloadPackages(Installation& run) {
-  const size_t count = run.installList.size();
-  for (size_t i = 0; i < count;) {
-    const auto package = FindPackage(run.installList[i]);
-    const DownloadOutcome outcome = package ? DownloadPackage(run, *package, i, count) : DownloadOutcome::Done;
-    switch (outcome) {
+bool IsUnproven(const RunState& run, const std::string& filename) {
+  const auto package = FindPackage(filename);
+  return package && !IsProven(run, *package);
+}
+
+// Downloads the package at this place of the list, as often as that takes. False when the phase is over: cancelled, or
+// given up by the user.
+bool DownloadAt(RunState& run, size_t index) {
+  for (;;) {
+    const auto package = FindPackage(run.installList[index]);
+    if (!package) return true;
+    switch (DownloadPackage(run, *package, index, run.installList.size())) {
       case DownloadOutcome::Done:
-        ++i;
-        break;
+        return true;
       case DownloadOutcome::Redo:
+        AddUpPackages(run);
+        break;
       case DownloadOutcome::FailedRetry:
         break;
       case DownloadOutcome::FailedStop:
       case DownloadOutcome::Cancelled:
-        return;
+        return false;
     }
+  }
+}
+
+bool DownloadUnproven(RunState& run) {
+  for (size_t i = 0; i < run.installList.size(); ++i) {
+    if (IsUnproven(run, run.installList[i]) && !DownloadAt(run, i)) return false;
+  }
+  return true;
+}
+
+void DownloadPackages(RunState& run) {
+  for (size_t i = 0; i < run.installList.size(); ++i) {
+    if (!DownloadAt(run, i)) return;
+  }
+  // When the manifest was fetched anew, packages that were proven before may have changed, and others have come in.
+  while (std::any_of(run.installList.begin(), run.installList.end(),
+                     [&run](const std::string& filename) { return IsUnproven(run, filename); })) {
+    if (!DownloadUnproven(run)) return;
   }
 }
 
 // --- Installing
 
-enum class InstallOutcome { Handled, TryAgain, Cancelled };
+enum class PlacementStep { Handled, TryAgain, Cancelled };
 
 void ApplyRegistryPhase(const Package& package, RegistryPhase phase, const std::string& target) {
   const RegistryCounts counts = ApplyRegistryItems(package, phase, target);
@@ -173,7 +211,7 @@ void ApplyRegistryPhase(const Package& package, RegistryPhase phase, const std::
             std::to_wstring(counts.succeeded) + L" / " + std::to_wstring(counts.attempted));
 }
 
-void FinishPackage(Installation& run, const Package& package, const std::wstring& target) {
+void FinishPackage(RunState& run, const Package& package, const std::wstring& target) {
   AppendToList(run.installedList, package.filename);
   ShowTotalDetail(LoadLocalizedString(STR_FINISHING_PACKAGE));
   const std::string targetUtf8 = WideToUtf8(target);
@@ -183,41 +221,45 @@ void FinishPackage(Installation& run, const Package& package, const std::wstring
   if (!package.execute.empty()) RunExecuteTask(package, target);
 }
 
-void CountAsHandled(Installation& run, const Package& package) {
+void CountAsHandled(RunState& run, const Package& package) {
   run.upsizeDone += static_cast<uint64_t>(package.upsize);
   ShowTotalProgress(run.upsizeDone, run.upsizeTotal);
 }
 
-InstallOutcome OnPlacementFailed(Installation& run, const Package& package, uint32_t error) {
-  if (app.cancelRequested) return InstallOutcome::Cancelled;
+PlacementStep AskAfterFailure(RunState& run, const Package& package, uint32_t error) {
+  if (app.cancelRequested) return PlacementStep::Cancelled;
   ShowTotalDetail(LoadLocalizedString(STR_ERROR));
-  if (AskToTryAgain(STR_INSTALLATION_ERROR, package, error)) return InstallOutcome::TryAgain;
+  if (AskToTryAgain(STR_INSTALLATION_ERROR, package, error)) return PlacementStep::TryAgain;
   CountAsHandled(run, package);
-  return InstallOutcome::Handled;
+  return PlacementStep::Handled;
 }
 
-InstallOutcome InstallPackage(Installation& run, const Package& package, size_t index, size_t count) {
+PlacementStep PlaceAndFinish(RunState& run, const Package& package, size_t index, size_t count) {
   ShowTotalText(PackageHeadline(STR_INSTALLING_PACKAGE, package, index, count));
   ShowTotalDetail(kNothing);
   const std::wstring target = ResolveTargetFolder(run, package);
   if (target.empty()) {
     run.errorRecords += TargetMissingRecord(package.filename);
     AppendLog(L"Extraction path not found (" + WidenBytes(package.filename) + L")");
-    return InstallOutcome::Handled;
+    return PlacementStep::Handled;
   }
-  if (app.cancelRequested) return InstallOutcome::Cancelled;
+  if (app.cancelRequested) return PlacementStep::Cancelled;
+  if (!IsProven(run, package)) return AskAfterFailure(run, package, ERROR_INVALID_DATA);
 
   AppendLog(L"Extracting package: " + package.title);
   AppendLog(L"Target location: " + target);
-  if (!PathsStayInside(package)) return OnPlacementFailed(run, package, ERROR_INVALID_NAME);
+  if (const auto unsafe = FindUnsafePath(package)) {
+    AppendLog(L"[ERROR] Unsafe path (" + *unsafe + L")");
+    return AskAfterFailure(run, package, ERROR_INVALID_NAME);
+  }
   ApplyRegistryPhase(package, RegistryPhase::Pre, WideToUtf8(target));
-  if (app.cancelRequested) return InstallOutcome::Cancelled;
+  if (app.cancelRequested) return PlacementStep::Cancelled;
 
   const PlacementResult placement = PlacePackage(run, package, target);
-  if (!placement.ok) return OnPlacementFailed(run, package, placement.error);
+  if (!placement.ok) return AskAfterFailure(run, package, placement.error);
   FinishPackage(run, package, target);
   CountAsHandled(run, package);
-  return InstallOutcome::Handled;
+  return PlacementStep::Handled;
 }
 
 void ShowInstallStart() {
@@ -233,19 +275,20 @@ void ShowInstallEnd(bool cancelled) {
   AppendLog(cancelled ? L"Installation cancelled" : L"Installation finished");
 }
 
-void InstallPackages(Installation& run) {
+void PlacePackages(RunState& run) {
   const size_t count = run.installList.size();
   for (size_t i = 0; i < count && !app.cancelRequested;) {
     const auto package = FindPackage(run.installList[i]);
-    const InstallOutcome outcome = package ? InstallPackage(run, *package, i, count) : InstallOutcome::Handled;
-    if (outcome == InstallOutcome::Cancelled) return;
-    if (outcome == InstallOutcome::Handled) ++i;
+    const PlacementStep outcome = package ? PlaceAndFinish(run, *package, i, count) : PlacementStep::Handled;
+    if (outcome == PlacementStep::Cancelled) return;
+    if (outcome == PlacementStep::Handled) ++i;
   }
 }
 
 // --- Leaving
 
-void DeleteTemporaryFiles(const Installation& run) {
+void DeleteTemporaryFiles(RunState& run) {
+  run.proven.clear();
   for (const std::string& filename : run.installList) {
     if (!FindPackage(filename) || !IsSafeFileName(WidenBytes(filename))) continue;
     const std::wstring file = PackageFilePath(run, filename);
@@ -268,7 +311,7 @@ void LeaveCancelledDownloads() {
   ShowPackageProgress(0, 1);
 }
 
-void LeaveInstallPhase(const Installation& run) {
+void LeaveInstallPhase(RunState& run) {
   if (LeaveRun()) return;
   if (app.deleteTmpFiles) DeleteTemporaryFiles(run);
   app.cancelRequested.Utter();
@@ -277,17 +320,18 @@ void LeaveInstallPhase(const Installation& run) {
 
 // --- The phases
 
-void BeginRun(Installation& run) {
+void BeginRun(RunState& run) {
   TakeOverOptions(run);
   CreateDirectories(run.tmpPath);  // the user may have deleted it since start-up
   ShowRunStart(run);
+  ListPackages(run);
   AddUpPackages(run);
   SendStartReport(run);
 }
 
 // False when the phase was cancelled. What it reports and what follows must agree, also when the user cancels
 // meanwhile.
-bool RunDownloadPhase(Installation& run) {
+bool RunDownloadPhase(RunState& run) {
   ArmSpeedTimer();
   DownloadPackages(run);
   StopSpeedTimer();
@@ -296,11 +340,13 @@ bool RunDownloadPhase(Installation& run) {
   return !cancelled;
 }
 
-void RunInstallPhase(Installation& run) {
+void RunInstallPhase(RunState& run) {
   run.errorRecords.clear();
   run.installedList.clear();
+  AddUpPackages(run);
   ShowInstallStart();
-  InstallPackages(run);
+  TellTaskbarProgress(0);
+  PlacePackages(run);
   const bool cancelled = app.cancelRequested;
   ShowInstallEnd(cancelled);
   SendInstallReport(run, cancelled);
@@ -309,10 +355,12 @@ void RunInstallPhase(Installation& run) {
 }  // namespace
 
 void RunInstallation() {
-  Installation run;
+  RunState run;
   run.installList = *app.installList.Get();
   AskReinstallIntoExistingFolders(run);
   if (!app.windowHold.Acquire()) return;  // closed while the question was open
+  const Wakefulness awake;
+  const TaskbarRun taskbar;
   BeginRun(run);
   if (!RunDownloadPhase(run)) return LeaveCancelledDownloads();
   RunInstallPhase(run);

@@ -2,8 +2,11 @@
 
 #include <windows.h>
 
+#include <utility>
+
 #include "core/context.h"
 #include "core/localization.h"
+#include "install/package_paths.h"
 #include "install/package_texts.h"
 #include "install/run_display.h"
 #include "install/source_attempt.h"
@@ -14,6 +17,7 @@
 #include "net/file_hash.h"
 #include "net/http_result.h"
 #include "system/files.h"
+#include "system/handles.h"
 #include "system/path_names.h"
 #include "system/text.h"
 #include "ui/message_boxes.h"
@@ -29,6 +33,16 @@ struct SourceOutcome {
   uint32_t error = 0;
 };
 
+// Keeps what is there from being changed. Without it nothing is proven.
+FileHandle HoldFile(const std::wstring& file) {
+  return FileHandle(
+      CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+void TakeAsProven(PackageDownload& download, FileHandle held) {
+  download.run.proven[download.package.filename] = {download.size, download.package.md5, std::move(held)};
+}
+
 std::string HashPackageFile(const std::wstring& file) {
   transferStatus.lastHashPercent = 0;
   transferStatus.retryCount = 0;  // the data is here, so nothing tells of a bad connection any more
@@ -43,10 +57,10 @@ void RefreshManifest() {
   if (FetchManifest().ok && LoadManifest() > 0) AppendLog(L"Packages manifest updated successfully");
 }
 
-// `hash` is empty when none was computed.
-SourceOutcome OnMismatch(PackageDownload& download, const std::string& source, const HttpResult& result,
-                         uint64_t fileSize, const std::string& hash) {
-  Installation& run = download.run;
+// Ends a source whose file isn't what the manifest says. `hash` is empty when none was computed.
+SourceOutcome ReactToMismatch(PackageDownload& download, const std::string& source, const HttpResult& result,
+                              uint64_t fileSize, const std::string& hash) {
+  RunState& run = download.run;
   run.errorRecords +=
       MismatchRecord(download.package.filename, source, result.statusCode, fileSize, hash, run.manifestRefreshed);
   download.offset = ResumeOffset(download);
@@ -56,39 +70,61 @@ SourceOutcome OnMismatch(PackageDownload& download, const std::string& source, c
   return {SourceOutcome::Redo};
 }
 
-SourceOutcome CheckDownloadedFile(PackageDownload& download, const std::string& source, const HttpResult& result) {
+SourceOutcome ProveDownloadedFile(PackageDownload& download, const std::string& source, const HttpResult& result) {
   const uint64_t fileSize = FileSize(download.file);
   download.stats.downloaded = PercentOf(fileSize, download.size);
   AppendLog(L"Downloaoded: " + std::to_wstring(fileSize) + L" / " + std::to_wstring(download.size));
   if (fileSize != download.size) {
     ShowPackageDetail(LoadLocalizedString(STR_CHECKING_FILE));
     AppendLog(L"Size mismatch (" + std::to_wstring(fileSize) + L")");
-    return OnMismatch(download, source, result, fileSize, {});
+    return ReactToMismatch(download, source, result, fileSize, {});
   }
-  const std::string hash = HashPackageFile(download.file);
+  FileHandle held = HoldFile(download.file);
+  const std::string hash = held ? HashPackageFile(download.file) : "";
   if (app.cancelRequested) return {SourceOutcome::Cancelled};
   if (hash == download.package.md5) {
     AppendLog(L"Hash is ok (" + WidenBytes(hash) + L")");
+    TakeAsProven(download, std::move(held));
     return {SourceOutcome::Done};
   }
+  held.Reset();
   AppendLog(L"Hash mismatch (" + WidenBytes(hash) + L")");
-  return OnMismatch(download, source, result, fileSize, hash);
+  AppendLog(L"Expected hash: " + WidenBytes(download.package.md5));
+  return ReactToMismatch(download, source, result, fileSize, hash);
 }
 
-void OnTransferWithoutData(PackageDownload& download, const std::string& source, const HttpResult& result) {
+// A package without `md5` is taken as it came.
+SourceOutcome TakeDownloadedFile(PackageDownload& download) {
+  FileHandle held = HoldFile(download.file);
+  if (!held) return {SourceOutcome::Failed, GetLastError()};
+  TakeAsProven(download, std::move(held));
+  return {SourceOutcome::Done};
+}
+
+void RecordTransferWithoutData(PackageDownload& download, const std::string& source, const HttpResult& result) {
   download.offset = ResumeOffset(download);
   download.run.errorRecords +=
       NoDataRecord(download.package.filename, source, result.statusCode, FileSize(download.file));
   AppendLog(L"Http code: " + std::to_wstring(result.statusCode));
 }
 
-void OnTransferError(PackageDownload& download, const std::string& source, const HttpResult& result) {
+// The system's descriptions have line ends, also at their end.
+void LogLines(std::wstring_view text) {
+  constexpr std::wstring_view kLineEnd = L"\r\n";
+  for (size_t end; (end = text.find(kLineEnd)) != std::wstring_view::npos;) {
+    AppendLog(std::wstring(text.substr(0, end)));
+    text.remove_prefix(end + kLineEnd.size());
+  }
+  AppendLog(std::wstring(text));
+}
+
+void TellTransferError(PackageDownload& download, const std::string& source, const HttpResult& result) {
   download.offset = ResumeOffset(download);
   download.run.errorRecords +=
       TransferErrorRecord(download.package.filename, source, result.statusCode, result.error, FileSize(download.file));
   AppendLog(L"Error code: " + std::to_wstring(result.error));
   const std::wstring description = GetErrorText(result.error);
-  if (!description.empty()) AppendLog(L"Error message: " + description);
+  if (!description.empty()) LogLines(L"Error message: " + description);
 
   if (result.error == ERROR_INTERNET_NAME_NOT_RESOLVED) {
     ShowConnectionHint();
@@ -117,15 +153,14 @@ SourceOutcome TrySource(PackageDownload& download, const std::string& source) {
   const HttpResult result = TransferFromSource(download, WidenBytes(download.package.sources.at(source)));
   if (result.cancelled || app.cancelRequested) return {SourceOutcome::Cancelled};
   if (result.error != 0) {
-    OnTransferError(download, source, result);
+    TellTransferError(download, source, result);
     return {SourceOutcome::Failed, result.error};
   }
   if (result.received == 0) {
-    OnTransferWithoutData(download, source, result);
+    RecordTransferWithoutData(download, source, result);
     return {SourceOutcome::Failed, ERROR_HTTP_INVALID_SERVER_RESPONSE};
   }
-  if (download.package.md5.empty()) return {SourceOutcome::Done};
-  return CheckDownloadedFile(download, source, result);
+  return download.package.md5.empty() ? TakeDownloadedFile(download) : ProveDownloadedFile(download, source, result);
 }
 
 // The selected source first, the others in key order.
@@ -170,31 +205,37 @@ void StartOver(PackageDownload& download) {
   if (!download.package.md5.empty() && !download.stale) WriteStatRecord(download);
 }
 
-// True when an earlier run has brought the whole file. Otherwise download.offset tells where to go on.
-bool IsAlreadyDownloaded(PackageDownload& download) {
+// Proves a file that an earlier run has brought whole. False when it isn't right, or when hashing was cancelled.
+bool ProvePresentFile(PackageDownload& download) {
+  FileHandle held = HoldFile(download.file);
+  const std::string hash = held ? HashPackageFile(download.file) : "";
+  if (app.cancelRequested) return false;
+  const bool right = hash == download.package.md5;
+  AppendLog((right ? L"File exists. Hash is ok (" : L"File exists. Hash mismatch (") + WidenBytes(hash) + L")");
+  if (right) TakeAsProven(download, std::move(held));
+  return right;
+}
+
+// Makes use of what an earlier run has left: true when that is the whole file, proven. Otherwise download.offset tells
+// where to go on; what can't be gone on with has been removed, and the record that lets a later run resume is there.
+bool TakeUpEarlierFile(PackageDownload& download) {
   if (!HasMatchingRecord(download)) {
     StartOver(download);
     return false;
   }
-  if (FileSize(download.file) == download.size) {
-    const std::string hash = HashPackageFile(download.file);
-    if (app.cancelRequested) return false;
-    const bool right = hash == download.package.md5;
-    AppendLog((right ? L"File exists. Hash is ok (" : L"File exists. Hash mismatch (") + WidenBytes(hash) + L")");
-    return right;
-  }
+  if (FileSize(download.file) == download.size) return ProvePresentFile(download);
   download.offset = ResumeOffset(download);
   if (download.offset != 0) AppendLog(L"Resuming download process from: " + std::to_wstring(download.offset));
   return false;
 }
 
-DownloadOutcome OnDone(const PackageDownload& download) {
+DownloadOutcome CountAsDownloaded(const PackageDownload& download) {
   transferStatus.downloadedBefore.Add(download.size);
   ShowPackageProgress(transferStatus.downloadedBefore, transferStatus.downloadTotal);
   return DownloadOutcome::Done;
 }
 
-DownloadOutcome OnAllSourcesFailed(const Package& package, uint32_t error) {
+DownloadOutcome AskAfterFailure(const Package& package, uint32_t error) {
   if (AskToTryAgain(STR_DOWNLOAD_ERROR, package, error)) return DownloadOutcome::FailedRetry;
   app.cancelRequested.Utter();
   OfferExit();
@@ -203,30 +244,31 @@ DownloadOutcome OnAllSourcesFailed(const Package& package, uint32_t error) {
 
 }  // namespace
 
-std::wstring PackageFilePath(const Installation& run, const std::string& filename) {
-  return JoinPath(run.tmpPath, WidenBytes(filename));
+bool IsProven(const RunState& run, const Package& package) {
+  const auto found = run.proven.find(package.filename);
+  return found != run.proven.end() && found->second.size == static_cast<uint64_t>(package.size) &&
+         found->second.md5 == package.md5;
 }
 
-std::wstring StatRecordPath(const std::wstring& packageFilePath) { return packageFilePath + L".stat"; }
-
-DownloadOutcome DownloadPackage(Installation& run, const Package& package, size_t index, size_t count) {
+DownloadOutcome DownloadPackage(RunState& run, const Package& package, size_t index, size_t count) {
   ShowPackageText(PackageHeadline(STR_DOWNLOADING_PACKAGE, package, index, count));
   const std::wstring filename = WidenBytes(package.filename);
   AppendLog(L"Processing package: " + filename);
   if (!IsSafeFileName(filename)) {
     AppendLog(L"[ERROR] Unsafe file name (" + filename + L")");
-    return OnAllSourcesFailed(package, ERROR_INVALID_NAME);
+    return AskAfterFailure(package, ERROR_INVALID_NAME);
   }
 
+  run.proven.erase(package.filename);  // nothing may keep this run from writing the file
   PackageDownload download{run, package, run.packageStats[package.filename], static_cast<uint64_t>(package.size),
                            PackageFilePath(run, package.filename)};
-  if (IsAlreadyDownloaded(download)) return OnDone(download);
+  if (TakeUpEarlierFile(download)) return CountAsDownloaded(download);
   if (app.cancelRequested) return DownloadOutcome::Cancelled;
 
   const SourceOutcome outcome = TrySources(download);
   switch (outcome.state) {
     case SourceOutcome::Done:
-      return OnDone(download);
+      return CountAsDownloaded(download);
     case SourceOutcome::Redo:
       return DownloadOutcome::Redo;
     case SourceOutcome::Cancelled:
@@ -234,5 +276,5 @@ DownloadOutcome DownloadPackage(Installation& run, const Package& package, size_
     case SourceOutcome::Failed:
       break;
   }
-  return OnAllSourcesFailed(package, outcome.error);
+  return AskAfterFailure(package, outcome.error);
 }

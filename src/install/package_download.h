@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "install/installation.h"
+#include "install/run_state.h"
 #include "manifest/manifest_model.h"
 
 enum class DownloadOutcome {
@@ -15,8 +15,8 @@ enum class DownloadOutcome {
 };
 
 // Downloads package number `index` (from 0) of `count`. Worker.
-DownloadOutcome DownloadPackage(Installation& run, const Package& package, size_t index, size_t count);
+DownloadOutcome DownloadPackage(RunState& run, const Package& package, size_t index, size_t count);
 
-// The file in the run's folder for temporary files, and its resume record.
-std::wstring PackageFilePath(const Installation& run, const std::string& filename);
-std::wstring StatRecordPath(const std::wstring& packageFilePath);
+// Whether this run has proven the file of exactly this package: of this name, size and hash. Only such a file may be
+// placed or started.
+bool IsProven(const RunState& run, const Package& package);

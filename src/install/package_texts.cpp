@@ -4,6 +4,7 @@
 #include <charconv>
 #include <limits>
 
+#include "system/path_names.h"
 #include "system/text.h"
 
 namespace {
@@ -22,7 +23,7 @@ std::vector<std::string> SplitTaskText(std::string_view text) { return SplitKeep
 std::wstring EntryPath(std::string_view entryName) {
   std::wstring path = WidenBytes(entryName);
   std::replace(path.begin(), path.end(), L'/', L'\\');
-  return path;
+  return NormalizePath(path);
 }
 
 std::string FormatStatRecord(uint64_t size, std::string_view md5) {

@@ -12,7 +12,8 @@
 // has no pieces.
 std::vector<std::string> SplitTaskText(std::string_view text);
 
-// An archive entry's path below the target folder: one wide character per byte, "\" between components.
+// An archive entry's path below the target folder: one wide character per byte, "\" between components, without
+// "." components and doubled separators.
 std::wstring EntryPath(std::string_view entryName);
 
 // The record that lets a partial download resume: "<size>|<md5>" in a file beside the package file.

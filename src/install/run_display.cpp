@@ -4,7 +4,9 @@
 #include "core/localization.h"
 #include "net/error_text.h"
 #include "ui/message_boxes.h"
+#include "ui/mnemonics.h"
 #include "ui/page_controls.h"
+#include "ui/taskbar.h"
 
 namespace {
 
@@ -13,7 +15,9 @@ void SetLabel(Label InstallPageControls::*label, const std::wstring& text) {
 }
 
 void SetBar(ProgressBar InstallPageControls::*bar, uint64_t done, uint64_t total) {
-  if (InstallPageControls* const page = app.installPage) (page->*bar).SetPosition(ProgressPosition(done, total));
+  InstallPageControls* const page = app.installPage;
+  const int position = ProgressPosition(done, total);
+  if (page && (page->*bar).SetPosition(position)) TellTaskbarProgress(position);
 }
 
 }  // namespace
@@ -27,7 +31,7 @@ void ShowPackageProgress(uint64_t done, uint64_t total) { SetBar(&InstallPageCon
 void ShowTotalProgress(uint64_t done, uint64_t total) { SetBar(&InstallPageControls::totalProgress, done, total); }
 
 void OfferExit() {
-  if (InstallPageControls* const page = app.installPage) page->cancelButton.SetText(LoadLocalizedString(STR_EXIT));
+  if (InstallPageControls* const page = app.installPage) page->cancelButton.SetText(LoadMarkedString(STR_EXIT));
 }
 
 std::wstring PackageHeadline(unsigned textId, const Package& package, size_t index, size_t count) {

@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <string>
 
-#include "install/installation.h"
+#include "install/run_state.h"
 #include "manifest/manifest_model.h"
 
 // A package while it is being downloaded.
 struct PackageDownload {
-  Installation& run;
+  RunState& run;
   const Package& package;
   StatsRecord& stats;
   uint64_t size;        // of the package file as the manifest has it

@@ -5,6 +5,7 @@
 #include "core/window_messages.h"
 #include "install/run_display.h"
 #include "system/files.h"
+#include "ui/taskbar.h"
 
 TransferStatus& transferStatus = *new TransferStatus;
 
@@ -47,6 +48,7 @@ void TakeSpeedSample(uint64_t before, uint64_t now) {
 void ShowSpeed(uint64_t fileBytes) {
   const uint64_t speed = transferStatus.currentSpeed;
   const uint32_t retries = transferStatus.retryCount;
+  TellTaskbarRetrying(speed == 0 && retries != 0);
   if (speed == 0 && retries != 0) {
     ShowPackageDetail(LoadLocalizedString(STR_BAD_CONNECTION) + L" (" + std::to_wstring(retries) + L")");
   } else if (!transferStatus.hashing) {
@@ -68,7 +70,10 @@ void OnSpeedTimerRequest(bool arm) {
 }
 
 void ArmSpeedTimer() { SendMessageW(app.mainWindow, kSpeedTimerMessage, TRUE, 0); }
-void StopSpeedTimer() { SendMessageW(app.mainWindow, kSpeedTimerMessage, FALSE, 0); }
+void StopSpeedTimer() {
+  SendMessageW(app.mainWindow, kSpeedTimerMessage, FALSE, 0);
+  TellTaskbarRetrying(false);
+}
 
 void CALLBACK OnSpeedTimer(HWND, UINT, UINT_PTR, DWORD) {
   const uint64_t before = transferStatus.lastTickBytes;

@@ -1,16 +1,50 @@
 #include "install/zip_archive.h"
 
 #include <unzip.h>
-#include <windows.h>
 
 #include <array>
 
+#ifdef _WIN32
+#include <windows.h>
+
 #include <iowin32.h>  // after unzip.h, whose types it uses
+#else
+#include <cerrno>
+
+#include "system/text.h"
+#endif
 
 static_assert(kZipSystemError == UNZ_ERRNO && kZipEndOfEntries == UNZ_END_OF_LIST_OF_FILE &&
               kZipUnreadable == UNZ_BADZIPFILE && kZipWrongContent == UNZ_CRCERROR);
 
 namespace {
+
+// What differs between the systems: how the library's files are opened, and where a failure leaves its error.
+#ifdef _WIN32
+constexpr uint32_t kErrorNotAnArchive = ERROR_INVALID_DATA;
+uint32_t SystemError() { return GetLastError(); }
+void ClearSystemError() { SetLastError(ERROR_SUCCESS); }
+zlib_filefunc64_def SystemFileFunctions() {
+  zlib_filefunc64_def functions;
+  fill_win32_filefunc64W(&functions);
+  return functions;
+}
+unzFile OpenArchive(const std::wstring& path, zlib_filefunc64_def& functions) {
+  return unzOpen2_64(path.c_str(), &functions);
+}
+#else
+constexpr uint32_t kErrorNotAnArchive = EILSEQ;
+uint32_t SystemError() { return static_cast<uint32_t>(errno); }
+void ClearSystemError() { errno = 0; }
+zlib_filefunc64_def SystemFileFunctions() {
+  zlib_filefunc64_def functions;
+  fill_fopen64_filefunc(&functions);
+  return functions;
+}
+unzFile OpenArchive(const std::wstring& path, zlib_filefunc64_def& functions) {
+  return unzOpen2_64(WideToUtf8(path).c_str(), &functions);
+}
+#endif
 
 // General purpose flags of an entry.
 constexpr uLong kFlagEncrypted = 1 << 0;
@@ -18,6 +52,11 @@ constexpr uLong kFlagSizesFollow = 1 << 3;
 constexpr uLong kFlagStrongEncryption = 1 << 6;
 
 constexpr uLong kMethodStored = 0;
+
+ZipEncryption EncryptionOf(const unz_file_info64& info) {
+  if (info.flag & kFlagStrongEncryption) return ZipEncryption::Strong;
+  return info.flag & kFlagEncrypted ? ZipEncryption::Traditional : ZipEncryption::None;
+}
 
 // What precedes the data of an encrypted entry: random bytes, and one by which a password can be checked.
 constexpr size_t kEncryptionHeaderSize = 12;
@@ -67,17 +106,17 @@ struct ZipArchive::State {
   ZipCipher cipher{""};
   bool encrypted = false;  // the open entry
   bool decrypting = false;
-  DWORD openError = ERROR_SUCCESS;
+  uint32_t openError = 0;
 
   static voidpf ZCALLBACK OpenFile(voidpf opaque, const void* path, int mode) {
     State& state = *static_cast<State*>(opaque);
     const voidpf stream = state.system.zopen64_file(nullptr, path, mode);
-    state.openError = stream ? ERROR_SUCCESS : GetLastError();
+    state.openError = stream ? 0 : SystemError();
     return stream;
   }
   static uLong ZCALLBACK Read(voidpf opaque, voidpf stream, void* buffer, uLong size) {
     State& state = *static_cast<State*>(opaque);
-    SetLastError(ERROR_SUCCESS);  // a file that is too short is no system error, so none may be left from before
+    ClearSystemError();  // a file that is too short is no system error, so none may be left from before
     const uLong count = state.system.zread_file(nullptr, stream, buffer, size);
     if (state.decrypting) state.cipher.Decrypt(static_cast<unsigned char*>(buffer), count);
     return count;
@@ -112,15 +151,15 @@ ZipArchive::~ZipArchive() {
 }
 
 uint32_t ZipArchive::Open(const std::wstring& path) {
-  fill_win32_filefunc64W(&state_->system);
+  state_->system = SystemFileFunctions();
   zlib_filefunc64_def functions = state_->system;
   functions.zopen64_file = State::OpenFile;
   functions.zread_file = State::Read;
   functions.zseek64_file = State::Seek;
   functions.opaque = state_.get();
-  state_->archive = unzOpen2_64(path.c_str(), &functions);
-  if (state_->archive) return ERROR_SUCCESS;
-  return state_->openError == ERROR_SUCCESS ? ERROR_INVALID_DATA : state_->openError;
+  state_->archive = OpenArchive(path, functions);
+  if (state_->archive) return 0;
+  return state_->openError != 0 ? state_->openError : kErrorNotAnArchive;
 }
 
 int32_t ZipArchive::GoToFirstEntry() {
@@ -138,8 +177,9 @@ int32_t ZipArchive::OpenEntry(const std::string& password) {
   }
   // Some methods the library would open all the same, and give out the packed bytes.
   if (info.compression_method != kMethodStored && info.compression_method != Z_DEFLATED) return kZipUnreadable;
-  if (info.flag & kFlagStrongEncryption) return kZipUnreadable;
-  state_->encrypted = info.flag & kFlagEncrypted;
+  const ZipEncryption encryption = EncryptionOf(info);
+  if (encryption == ZipEncryption::Strong) return kZipUnreadable;
+  state_->encrypted = encryption == ZipEncryption::Traditional;
   if (state_->encrypted) {
     if (const int32_t result = state_->StartDecryption(info, password)) return result;
   }
@@ -152,6 +192,8 @@ int32_t ZipArchive::GetEntryInfo(ZipEntry& entry) {
     return result;
   }
   entry.size = info.uncompressed_size;
+  entry.method = static_cast<uint32_t>(info.compression_method);
+  entry.encryption = EncryptionOf(info);
   entry.name.resize(info.size_filename);
   return unzGetCurrentFileInfo64(state_->archive, nullptr, entry.name.data(), info.size_filename, nullptr, 0, nullptr,
                                  0);

@@ -1,6 +1,7 @@
 // Reading zip archives. All calls of the zip library stand in zip_archive.cpp, so that it can be exchanged there.
 //
-// Results are the library's: 0 is success, everything else a negative code.
+// Results are the library's: 0 is success, everything else a negative code. No Windows header: also built natively,
+// where errno takes the place of the Win32 error code.
 #pragma once
 
 #include <cstdint>
@@ -13,9 +14,13 @@ inline constexpr int32_t kZipUnreadable = -103;  // broken, or packed in a way t
 inline constexpr int32_t kZipWrongContent = -105;
 inline constexpr int32_t kZipWrongPassword = -108;
 
+enum class ZipEncryption { None, Traditional, Strong };
+
 struct ZipEntry {
-  std::string name;   // the archive's bytes
-  uint64_t size = 0;  // unpacked, in bytes
+  std::string name;     // the archive's bytes
+  uint64_t size = 0;    // unpacked, in bytes
+  uint32_t method = 0;  // of compression: 0 stored, 8 deflated; others can't be unpacked
+  ZipEncryption encryption = ZipEncryption::None;
 };
 
 // One archive and its current entry. Belongs to one thread.
@@ -26,7 +31,8 @@ class ZipArchive {
   ZipArchive(const ZipArchive&) = delete;
   ZipArchive& operator=(const ZipArchive&) = delete;
 
-  // Opens the archive; once. Returns 0, or the Win32 error code: ERROR_INVALID_DATA when the file is no archive.
+  // Opens the archive; once. Returns 0, or the Win32 error code: ERROR_INVALID_DATA (natively EILSEQ) when the file is
+  // no archive.
   uint32_t Open(const std::wstring& path);
 
   // Make the first or the next entry the current one; kZipEndOfEntries when there is none.

@@ -30,5 +30,7 @@ ManifestFetch FetchManifest() {
 }
 
 bool IsManifestCacheFresh() {
-  return FileExistsNonEmpty(app.manifestPath) && FileAgeSeconds(app.manifestPath).value_or(0) <= kMaxCacheAgeSeconds;
+  if (!FileExistsNonEmpty(app.manifestPath)) return false;
+  const int64_t age = FileAgeSeconds(app.manifestPath).value_or(0);
+  return age >= 0 && age <= kMaxCacheAgeSeconds;  // a file of a time to come would stay fresh for ever
 }

@@ -8,6 +8,9 @@
 
 namespace {
 
+// The line notices a silence itself. The system only has to let the abandoned thread go in the end.
+constexpr uint32_t kSystemGraceMs = 5000;
+
 // A sink takes a body:
 //   uint32_t Begin(const HttpHead& head, HttpResult& result)  a body follows; again after a head `withoutGzip`
 //   uint32_t Store(std::string_view chunk, HttpResult& result)
@@ -152,7 +155,7 @@ HttpResult HttpClient::Receive(const std::wstring& url, uint64_t rangeStart, Sin
   request.rangeStart = rangeStart;
   request.askForGzip = rangeStart == 0 && gzipEnabled_;
   request.setDecoding = rangeStart == 0;
-  request.timeoutMs = silenceMs_;
+  request.timeoutMs = silenceMs_ + kSystemGraceMs;
   HttpLine line(session_.Get(), std::move(request), stop_, {.silenceMs = silenceMs_});
 
   HttpResult result;

@@ -37,7 +37,15 @@ class Lock {
 
 // Some systems let the socket's own codes through.
 uint32_t NetworkError(uint32_t error) {
-  return error == WSAECONNRESET || error == WSAECONNABORTED ? uint32_t{ERROR_INTERNET_CONNECTION_RESET} : error;
+  switch (error) {
+    case WSAECONNRESET:
+    case WSAECONNABORTED:
+      return ERROR_INTERNET_CONNECTION_RESET;
+    case WSAETIMEDOUT:
+      return ERROR_INTERNET_TIMEOUT;
+    default:
+      return error;
+  }
 }
 
 void SetHeader(HINTERNET request, const std::wstring& header) {

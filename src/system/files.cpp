@@ -95,6 +95,13 @@ std::optional<int64_t> FileAgeSeconds(const std::wstring& path) {
   return (Ticks(now) - Ticks(data->ftLastWriteTime)) / kTicksPerSecond;
 }
 
+bool RemoveProtection(const std::wstring& path) {
+  constexpr DWORD kProtecting = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+  const auto data = QueryFile(path);
+  return data && data->dwFileAttributes & kProtecting &&
+         SetFileAttributesW(path.c_str(), data->dwFileAttributes & ~kProtecting);
+}
+
 uint32_t WriteWholeFile(const std::wstring& path, const std::string& bytes, uint32_t attributes) {
   const FileHandle file(
       CreateFileW(path.c_str(), FILE_GENERIC_WRITE, FILE_SHARE_WRITE, nullptr, CREATE_ALWAYS, attributes, nullptr));

@@ -28,6 +28,10 @@ std::optional<std::string> ReadWholeFile(const std::wstring& path);
 // Seconds since the file was last written, negative for a time to come; nothing when it can't be told.
 std::optional<int64_t> FileAgeSeconds(const std::wstring& path);
 
+// Takes the attributes from a file that keep it from being overwritten (read-only, hidden, system). True when it had
+// any and could be changed.
+bool RemoveProtection(const std::wstring& path);
+
 // Creates or replaces a file with these bytes and attributes (FILE_ATTRIBUTE_...). Returns 0 or the Win32 error, after
 // which the file may be there in part.
 uint32_t WriteWholeFile(const std::wstring& path, const std::string& bytes, uint32_t attributes);

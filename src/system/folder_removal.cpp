@@ -16,27 +16,30 @@ void MakeWritable(const std::wstring& path, DWORD attributes) {
   if (attributes & FILE_ATTRIBUTE_READONLY) SetFileAttributesW(path.c_str(), attributes & ~FILE_ATTRIBUTE_READONLY);
 }
 
-void RemoveEntry(const std::wstring& path, DWORD attributes);
+uint32_t RemoveEntry(const std::wstring& path, DWORD attributes);
 
-void RemoveContents(const std::wstring& folder) {
+// The error of the first entry that stays.
+uint32_t RemoveContents(const std::wstring& folder) {
   WIN32_FIND_DATAW entry;
   const FindHandle find(FindFirstFileW(JoinPath(folder, L"*").c_str(), &entry));
-  if (!find) return;
+  if (!find) return GetLastError();
+  uint32_t error = ERROR_SUCCESS;
   do {
-    if (!IsDotName(entry.cFileName)) RemoveEntry(JoinPath(folder, entry.cFileName), entry.dwFileAttributes);
+    if (IsDotName(entry.cFileName)) continue;
+    const uint32_t failure = RemoveEntry(JoinPath(folder, entry.cFileName), entry.dwFileAttributes);
+    if (error == ERROR_SUCCESS) error = failure;
   } while (FindNextFileW(find.Get(), &entry));
+  return error;
 }
 
-void RemoveEntry(const std::wstring& path, DWORD attributes) {
+uint32_t RemoveEntry(const std::wstring& path, DWORD attributes) {
   const bool isFolder = attributes & FILE_ATTRIBUTE_DIRECTORY;
   const bool isLink = attributes & FILE_ATTRIBUTE_REPARSE_POINT;
-  if (isFolder && !isLink) RemoveContents(path);
+  const uint32_t error = isFolder && !isLink ? RemoveContents(path) : ERROR_SUCCESS;
   MakeWritable(path, attributes);
-  if (isFolder) {
-    RemoveDirectoryW(path.c_str());
-  } else {
-    DeleteFileW(path.c_str());
-  }
+  if (isFolder ? RemoveDirectoryW(path.c_str()) : DeleteFileW(path.c_str())) return ERROR_SUCCESS;
+  const DWORD failure = GetLastError();
+  return error != ERROR_SUCCESS ? error : failure;  // not that the folder isn't empty, but why
 }
 
 // A drive's root, a share's, or a folder that another volume is mounted on.
@@ -60,11 +63,13 @@ std::wstring UnlimitedForm(const std::wstring& fullPath) {
 
 }  // namespace
 
-void RemoveFolder(const std::wstring& path) {
-  if (path.empty() || PathIsRelativeW(path.c_str())) return;
+uint32_t RemoveFolder(const std::wstring& path) {
+  if (path.empty() || PathIsRelativeW(path.c_str())) return ERROR_BAD_PATHNAME;
   const std::wstring fullPath = FullPath(path);
-  if (fullPath.empty() || IsVolumeRoot(fullPath)) return;
+  if (fullPath.empty()) return ERROR_BAD_PATHNAME;
+  if (IsVolumeRoot(fullPath)) return ERROR_DIR_NOT_ROOT;
   const DWORD attributes = GetFileAttributesW(fullPath.c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_DIRECTORY)) return;
-  RemoveEntry(UnlimitedForm(fullPath), attributes);
+  if (attributes == INVALID_FILE_ATTRIBUTES) return ERROR_SUCCESS;
+  if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) return ERROR_DIRECTORY;
+  return RemoveEntry(UnlimitedForm(fullPath), attributes);
 }

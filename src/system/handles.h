@@ -86,6 +86,13 @@ struct BrushTraits {
 };
 using BrushHandle = UniqueHandle<BrushTraits>;
 
+struct IconTraits {
+  using Type = HICON;
+  static Type Invalid() { return nullptr; }
+  static void Close(Type handle) { DestroyIcon(handle); }
+};
+using IconHandle = UniqueHandle<IconTraits>;
+
 struct FindTraits {
   using Type = HANDLE;
   static Type Invalid() { return INVALID_HANDLE_VALUE; }

@@ -8,8 +8,6 @@ namespace {
 
 constexpr std::wstring_view kSeparators = L"\\/";
 
-bool IsSeparator(wchar_t c) { return kSeparators.find(c) != std::wstring_view::npos; }
-
 wchar_t UpperAscii(wchar_t c) { return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c; }
 
 // Windows takes these as devices in every folder, whatever stands behind a dot. The superscript digits count too.
@@ -31,6 +29,21 @@ std::wstring JoinPath(std::wstring_view folder, std::wstring_view name) {
   if (path.empty() || !IsSeparator(path.back())) path += L'\\';
   path += name;
   return path;
+}
+
+bool IsSeparator(wchar_t c) { return kSeparators.find(c) != std::wstring_view::npos; }
+
+std::wstring NormalizePath(std::wstring_view path) {
+  std::wstring normal;
+  for (size_t start = 0; start < path.size();) {
+    const size_t end = std::min(path.find_first_of(kSeparators, start), path.size());
+    const std::wstring_view component = path.substr(start, end - start);
+    const bool counts = !component.empty() && component != L".";
+    if (counts) normal += component;
+    if (end < path.size() && (counts || end == 0)) normal += path[end];
+    start = end + 1;
+  }
+  return normal;
 }
 
 std::wstring LastComponent(std::wstring_view path) {

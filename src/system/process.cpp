@@ -4,55 +4,67 @@
 #include <shellapi.h>
 
 #include "system/com.h"
+#include "system/files.h"
 #include "system/handles.h"
+#include "system/path_names.h"
+#include "system/threads.h"
 
 namespace {
 
-// ShellExecuteW tells success by a value above this one.
-constexpr INT_PTR kLastShellError = 32;
-
-uint32_t StartWithoutShell(const std::wstring& file, const std::wstring& parameters) {
+uint32_t StartWithoutShell(const std::wstring& file, const std::wstring& parameters, const std::wstring& folder) {
   std::wstring commandLine = L" " + parameters;
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION started;
-  if (!CreateProcessW(file.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                      &started)) {
+  if (!CreateProcessW(file.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                      folder.empty() ? nullptr : folder.c_str(), &startup, &started)) {
     return GetLastError();
   }
   const KernelHandle process(started.hProcess), thread(started.hThread);
   return ERROR_SUCCESS;
 }
 
-}  // namespace
-
-uint32_t StartProgram(bool elevated, const std::wstring& file, const std::wstring& parameters) {
-  const ComSession session;  // the shell may hand the start on to an extension
-  const DefaultErrorMode errorMode;
-  const HINSTANCE result =
-      ShellExecuteW(nullptr, elevated ? L"runas" : L"open", file.c_str(), parameters.c_str(), nullptr, SW_SHOWNORMAL);
-  const DWORD error = GetLastError();
-  if (reinterpret_cast<INT_PTR>(result) > kLastShellError) return ERROR_SUCCESS;
-  return elevated ? error : StartWithoutShell(file, parameters);
+// Errors are told by the caller, not by the shell.
+SHELLEXECUTEINFOW Describe(const ShellStart& start) {
+  SHELLEXECUTEINFOW info = {};
+  info.cbSize = sizeof info;
+  info.fMask = SEE_MASK_NOASYNC | SEE_MASK_FLAG_NO_UI;
+  info.hwnd = start.owner;
+  info.lpVerb = start.verb;
+  info.lpFile = start.file.c_str();
+  info.lpParameters = start.parameters.empty() ? nullptr : start.parameters.c_str();
+  info.lpDirectory = start.folder.empty() ? nullptr : start.folder.c_str();
+  info.nShow = start.show;
+  return info;
 }
 
-bool RunElevated(const std::wstring& file, const std::wstring& parameters) {
+}  // namespace
+
+uint32_t StartThroughShell(const ShellStart& start) {
+  const ComSession session;  // the shell may hand the start on to an extension
+  const DefaultErrorMode errorMode;
+  SHELLEXECUTEINFOW info = Describe(start);
+  return ShellExecuteExW(&info) ? ERROR_SUCCESS : GetLastError();
+}
+
+uint32_t StartProgram(bool elevated, const std::wstring& file, const std::wstring& parameters, HWND owner) {
+  const std::wstring folder = ParentFolder(file);
+  const uint32_t error = StartThroughShell({elevated ? L"runas" : L"open", file, parameters, folder, owner});
+  if (error == ERROR_SUCCESS || elevated) return error;
+  const DefaultErrorMode errorMode;
+  return StartWithoutShell(file, parameters, folder);
+}
+
+bool RunElevated(const std::wstring& file, const std::wstring& parameters, HWND owner) {
   const ComSession session;
-  SHELLEXECUTEINFOW start = {};
-  start.cbSize = sizeof start;
-  start.fMask = SEE_MASK_NOCLOSEPROCESS;
-  start.lpVerb = L"runas";
-  start.lpFile = file.c_str();
-  start.lpParameters = parameters.c_str();
-  start.nShow = SW_SHOW;
-  ShellExecuteExW(&start);
-  const KernelHandle process(start.hProcess);
+  const ShellStart start{L"runas", file, parameters, ParentFolder(file), owner, SW_SHOW};
+  SHELLEXECUTEINFOW info = Describe(start);
+  info.fMask |= SEE_MASK_NOCLOSEPROCESS;
+  ShellExecuteExW(&info);
+  const KernelHandle process(info.hProcess);
   if (!process) return false;
-  WaitForSingleObject(process.Get(), INFINITE);
+  WaitServing(process.Get(), nullptr);
   return true;
 }
 
-void OpenAddress(const std::wstring& address) {
-  const ComSession session;
-  ShellExecuteW(nullptr, L"open", address.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
-}
+void OpenAddress(const std::wstring& address) { StartThroughShell({.file = address}); }

@@ -19,12 +19,25 @@ class DefaultErrorMode {
   const UINT own_;
 };
 
-// Starts a program without waiting for it, elevated through the consent prompt or normally. Returns 0, or the system
-// error; a start whose elevation was refused is not tried without.
-uint32_t StartProgram(bool elevated, const std::wstring& file, const std::wstring& parameters);
+// What the shell is to open or start. Without a folder a program starts in ours.
+struct ShellStart {
+  const wchar_t* verb = L"open";  // null: the default of its kind
+  std::wstring file, parameters = {}, folder = {};
+  HWND owner = nullptr;  // of what the shell asks the user
+  int show = SW_SHOWNORMAL;
+};
 
-// Starts a program elevated and waits for its end, whatever that is. False when it could not be started.
-bool RunElevated(const std::wstring& file, const std::wstring& parameters);
+// Returns 0 or the system error. All that the shell has to do is done then: this process may end at once.
+uint32_t StartThroughShell(const ShellStart& start);
+
+// Starts a program in its own folder without waiting for it, normally or elevated through the consent prompt, which
+// `owner` brings to the front. Returns 0, or the system error; a start whose elevation was refused is not tried
+// without.
+uint32_t StartProgram(bool elevated, const std::wstring& file, const std::wstring& parameters, HWND owner);
+
+// Starts a program elevated in its own folder, where it looks for what it starts by a bare name, and waits for its end,
+// whatever that is, serving the windows of the calling thread. False when it could not be started.
+bool RunElevated(const std::wstring& file, const std::wstring& parameters, HWND owner);
 
 // Opens a web address in the user's browser; where that fails, nothing happens.
 void OpenAddress(const std::wstring& address);

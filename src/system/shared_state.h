@@ -1,4 +1,4 @@
-// Single words and values that one thread writes and others read, without locks.
+// What threads share without locks: single words, values that are replaced whole, the wish to stop.
 #pragma once
 
 #include <atomic>
@@ -19,6 +19,20 @@ class SharedWord {
   }
   operator T() const { return value_.load(std::memory_order_relaxed); }
   void Add(T amount) { value_.fetch_add(amount, std::memory_order_relaxed); }
+
+ private:
+  std::atomic<T> value_{};
+};
+
+// One word that tells that other data is ready: what a thread wrote before it, whoever reads it sees.
+template <typename T>
+class PublishingWord {
+ public:
+  PublishingWord& operator=(T value) {
+    value_.store(value, std::memory_order_release);
+    return *this;
+  }
+  operator T() const { return value_.load(std::memory_order_acquire); }
 
  private:
   std::atomic<T> value_{};

@@ -1,5 +1,7 @@
 #include "system/text.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
@@ -125,4 +127,10 @@ uint32_t PercentOf(uint64_t part, uint64_t whole) {
   if (whole == 0) return 0;
   const double percent = static_cast<double>(part) * 100.0 / static_cast<double>(whole);
   return percent < UINT32_MAX ? static_cast<uint32_t>(percent) : UINT32_MAX;
+}
+
+std::wstring OneLine(std::wstring text) {
+  std::replace_if(
+      text.begin(), text.end(), [](wchar_t c) { return c < L' '; }, L'?');
+  return text;
 }

@@ -20,6 +20,9 @@ std::string WideToUtf8(std::wstring_view wide);
 // no pieces.
 std::vector<std::string> SplitKeepingEmpty(std::string_view text, char separator);
 
+// The text on one line: "?" for each of its control characters.
+std::wstring OneLine(std::wstring text);
+
 // `part` of `whole` in percent, truncated and at most 4294967295; 0 when `whole` is 0.
 uint32_t PercentOf(uint64_t part, uint64_t whole);
 

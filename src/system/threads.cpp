@@ -5,7 +5,7 @@ namespace {
 void ServeMessages(HWND dialog) {
   MSG message;
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-    if (IsDialogMessageW(dialog, &message)) continue;
+    if (dialog && IsDialogMessageW(dialog, &message)) continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }
@@ -34,11 +34,15 @@ bool SleepUnlessStopped(uint32_t milliseconds, const std::stop_token& stop) {
   return WaitForSingleObject(stopped.Get(), milliseconds) == WAIT_TIMEOUT;
 }
 
+void WaitServing(HANDLE object, HWND dialog) {
+  while (MsgWaitForMultipleObjects(1, &object, FALSE, INFINITE, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) {
+    ServeMessages(dialog);
+  }
+  WaitForSingleObject(object, INFINITE);  // even if the first wait failed
+}
+
 void RunWhileServing(HWND dialog, const std::function<void()>& work) {
   const KernelHandle thread(CreateThread(nullptr, 0, RunWork, const_cast<std::function<void()>*>(&work), 0, nullptr));
   if (!thread) return work();
-  const HANDLE handle = thread.Get();
-  while (MsgWaitForMultipleObjects(1, &handle, FALSE, INFINITE, QS_ALLINPUT) == WAIT_OBJECT_0 + 1)
-    ServeMessages(dialog);
-  WaitForSingleObject(handle, INFINITE);  // `work` must not outlive this call, even if the first wait failed
+  WaitServing(thread.Get(), dialog);
 }

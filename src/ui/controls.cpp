@@ -5,20 +5,22 @@
 #include <algorithm>
 
 #include "ui/mailbox.h"
+#include "ui/scale.h"
 
 FontHandle ChangeFontHeight(HWND window, int height) {
   auto current = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
   if (!current) current = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
   LOGFONTW description{};
   GetObjectW(current, sizeof(description), &description);
-  description.lfHeight = height;
+  description.lfHeight = Scaled(height);
   FontHandle font(CreateFontIndirectW(&description));
   SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
   return font;
 }
 
 void PlaceWindow(HWND window, const Place& place) {
-  SetWindowPos(window, nullptr, place.x, place.y, place.width, place.height, SWP_NOZORDER);
+  SetWindowPos(window, nullptr, Scaled(place.x), Scaled(place.y), Scaled(place.width), Scaled(place.height),
+               SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 Control::Control(HWND parent, const wchar_t* windowClass, const std::wstring& text, DWORD style, int id, bool stockFont)
@@ -34,11 +36,15 @@ void Control::SetText(const std::wstring& text) const { pageNotes.LeaveText(wind
 void Control::SetFontHeight(int height) { font_ = ChangeFontHeight(window_, height); }
 
 Label::Label(HWND parent, const std::wstring& text, DWORD staticStyle)
-    : Control(parent, L"static", text, staticStyle, 0, true) {}
+    : Control(parent, L"static", text, SS_NOPREFIX | staticStyle, 0, true) {}
 
 PushButton::PushButton(HWND parent, const std::wstring& text) : Control(parent, L"Button", text, WS_TABSTOP, 0, true) {}
 
-void PushButton::PlaceAt(int x, int y, int height) const { SetPlace({x, y, 100, height}); }
+void PushButton::PlaceAt(int x, int y, int height) {
+  constexpr int kStockFontHeight = -11;  // of DEFAULT_GUI_FONT
+  SetPlace({x, y, 100, height});
+  SetFontHeight(kStockFontHeight);
+}
 
 CheckBox::CheckBox(HWND parent, const std::wstring& text, bool checked)
     : Control(parent, L"Button", text, WS_TABSTOP | BS_AUTOCHECKBOX, 0, true) {
@@ -57,6 +63,33 @@ void TextEdit::Lock() {
       reinterpret_cast<WNDPROC>(SetWindowLongPtrW(Window(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(LockedProc)));
 }
 
+namespace {
+
+// A locked text has no caret to move: the keys scroll.
+void OnLockedKey(HWND edit, WPARAM key) {
+  constexpr struct {
+    WPARAM key;
+    WPARAM scroll;
+  } kScrollKeys[] = {{VK_UP, SB_LINEUP},     {VK_DOWN, SB_LINEDOWN}, {VK_PRIOR, SB_PAGEUP},
+                     {VK_NEXT, SB_PAGEDOWN}, {VK_HOME, SB_TOP},      {VK_END, SB_BOTTOM}};
+  for (const auto& [scrollKey, scroll] : kScrollKeys) {
+    if (key == scrollKey) SendMessageW(edit, WM_VSCROLL, scroll, 0);
+  }
+  if (GetKeyState(VK_CONTROL) >= 0) return;
+  if (key == L'A') SendMessageW(edit, EM_SETSEL, 0, -1);
+  if (key == L'C' || key == VK_INSERT) SendMessageW(edit, WM_COPY, 0, 0);
+}
+
+}  // namespace
+
+// The menu leaves out what would change a text that is read-only.
+LRESULT TextEdit::ShowContextMenu(WPARAM wParam, LPARAM lParam) const {
+  CallWindowProcW(previousProc_, Window(), EM_SETREADONLY, TRUE, 0);
+  const LRESULT result = CallWindowProcW(previousProc_, Window(), WM_CONTEXTMENU, wParam, lParam);
+  CallWindowProcW(previousProc_, Window(), EM_SETREADONLY, FALSE, 0);
+  return result;
+}
+
 LRESULT CALLBACK TextEdit::LockedProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   const auto edit = reinterpret_cast<const TextEdit*>(GetWindowLongPtrW(window, GWLP_USERDATA));
   switch (message) {
@@ -64,27 +97,39 @@ LRESULT CALLBACK TextEdit::LockedProc(HWND window, UINT message, WPARAM wParam, 
       SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(edit->previousProc_));
       return 0;
     case WM_KEYDOWN:
+      if (!edit->locked_) break;
+      OnLockedKey(window, wParam);
+      return 0;
     case WM_CHAR:
+    case WM_CUT:
+    case WM_CLEAR:
+    case WM_UNDO:
+    case EM_UNDO:
       if (edit->locked_) return 0;
       break;
     case WM_PASTE:
       return 0;
+    case WM_GETDLGCODE:
+      return DLGC_WANTARROWS;  // Tab leads on, and coming here selects nothing
+    case WM_CONTEXTMENU:
+      return edit->ShowContextMenu(wParam, lParam);
     default:
       break;
   }
   return CallWindowProcW(edit->previousProc_, window, message, wParam, lParam);
 }
 
-ProgressBar::ProgressBar(HWND parent) : Control(parent, PROGRESS_CLASSW, {}, WS_TABSTOP, 0, false) {
+ProgressBar::ProgressBar(HWND parent) : Control(parent, PROGRESS_CLASSW, {}, 0, 0, false) {
   SendMessageW(Window(), PBM_SETRANGE, 0, MAKELPARAM(0, kProgressRange));
 }
 
 void ProgressBar::PlaceAt(int y) const { SetPlace({10, y, 565, 18}); }
 
-void ProgressBar::SetPosition(int position) {
-  if (position == lastPosition_) return;
+bool ProgressBar::SetPosition(int position) {
+  if (position == lastPosition_) return false;
   lastPosition_ = position;
   pageNotes.LeavePosition(Window(), position);
+  return true;
 }
 
 int ProgressPosition(uint64_t done, uint64_t total) {

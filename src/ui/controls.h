@@ -11,13 +11,14 @@
 #include "system/handles.h"
 #include "system/shared_state.h"
 
-// Positions and sizes in pixels of the parent's client area.
+// Where a control stands in its parent's client area, at 96 dots per inch.
 struct Place {
   int x, y, width, height;
 };
 void PlaceWindow(HWND window, const Place& place);
 
-// Gives a window its current font with another height (a LOGFONT height). The font must live as long as it is used.
+// Gives a window its current font with another height (a LOGFONT height at 96 dots per inch). The font must live as
+// long as it is used.
 FontHandle ChangeFontHeight(HWND window, int height);
 
 // What all wrappers share: a child window, and the font that was made for it.
@@ -29,7 +30,7 @@ class Control {
   HWND Window() const { return window_; }
   void SetPlace(const Place& place) const;
   void SetText(const std::wstring& text) const;
-  // In LOGFONT units; the rest of the font stays.
+  // A LOGFONT height at 96 dots per inch; the rest of the font stays.
   void SetFontHeight(int height);
 
  protected:
@@ -49,8 +50,8 @@ class Label : public Control {
 class PushButton : public Control {
  public:
   PushButton(HWND parent, const std::wstring& text);
-  // The width is always 100.
-  void PlaceAt(int x, int y, int height) const;
+  // The width is always 100, the text that of the system's own buttons.
+  void PlaceAt(int x, int y, int height);
 };
 
 class CheckBox : public Control {
@@ -62,11 +63,12 @@ class CheckBox : public Control {
 class TextEdit : public Control {
  public:
   TextEdit(HWND parent, int id, const std::wstring& text, DWORD editStyle);
-  // From now on the text can be scrolled and selected with the mouse, but not typed or pasted into. UI thread, once.
+  // From now on the text can be scrolled, selected and copied, but not changed by the user. UI thread, once.
   void Lock();
 
  private:
   static LRESULT CALLBACK LockedProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT ShowContextMenu(WPARAM wParam, LPARAM lParam) const;
 
   WNDPROC previousProc_ = nullptr;
   bool locked_ = false;
@@ -78,10 +80,10 @@ inline constexpr int kProgressRange = 1000;
 class ProgressBar : public Control {
  public:
   explicit ProgressBar(HWND parent);
-  // 565 x 18 pixels at x = 10.
+  // 565 x 18 at x = 10.
   void PlaceAt(int y) const;
-  // Does nothing when the position is the last one set.
-  void SetPosition(int position);
+  // Does nothing when the position is the last one set. True when it was another.
+  bool SetPosition(int position);
 
  private:
   SharedWord<int> lastPosition_{0};

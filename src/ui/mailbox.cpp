@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/window_messages.h"
+#include "ui/kept_view.h"
 
 Mailbox& pageNotes = *new Mailbox;
 
@@ -14,12 +15,10 @@ namespace {
 constexpr uint64_t kRestMs = 50;
 
 void AppendToLog(HWND log, const std::wstring& lines) {
-  DWORD selectionStart = 0, selectionEnd = 0;
-  SendMessageW(log, EM_GETSEL, reinterpret_cast<WPARAM>(&selectionStart), reinterpret_cast<LPARAM>(&selectionEnd));
+  const KeptView view(log);
   const LRESULT end = SendMessageW(log, WM_GETTEXTLENGTH, 0, 0);
   SendMessageW(log, EM_SETSEL, static_cast<WPARAM>(end), end);
   SendMessageW(log, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(lines.c_str()));
-  SendMessageW(log, EM_SETSEL, selectionStart, static_cast<LPARAM>(selectionEnd));
 }
 
 }  // namespace

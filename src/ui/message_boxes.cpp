@@ -8,6 +8,7 @@
 #include "system/files.h"
 #include "system/process.h"
 #include "ui/mailbox.h"
+#include "ui/taskbar.h"
 
 namespace {
 
@@ -35,10 +36,16 @@ TempFolder RepairTempFolder(const std::wstring& folder) {
   return TempFolder::Missing;
 }
 
+// The main window while it is there to be the owner of a question.
+HWND LiveWindow() {
+  const HWND window = app.mainWindow;
+  return IsWindow(window) ? window : nullptr;
+}
+
 void TellStartFailed(uint32_t error, bool elevated, const std::wstring& file) {
   std::wstring text = LoadLocalizedString(STR_FILE) + L": " + file;
   if (elevated && !app.isAdmin) text += L"\n\n" + LoadLocalizedString(STR_START_AS_ADMINISTRATOR);
-  MessageBoxW(nullptr, FormatErrorMessage(error, text).c_str(), LoadLocalizedString(STR_ACTION_REQUIRED).c_str(),
+  MessageBoxW(LiveWindow(), FormatErrorMessage(error, text).c_str(), LoadLocalizedString(STR_ACTION_REQUIRED).c_str(),
               MB_ICONEXCLAMATION);
 }
 
@@ -54,6 +61,7 @@ std::wstring FormatErrorMessage(uint32_t error, const std::wstring& extra) {
 
 int ShowBox(const std::wstring& text, const std::wstring& caption, UINT type) {
   Mailbox::Settle(app.mainWindow);
+  const TaskbarCall call;
   return MessageBoxW(app.mainWindow, text.c_str(), caption.c_str(), type);
 }
 
@@ -84,7 +92,7 @@ TempFolder EnsureTempFolder() {
 void PromptDownloadLatest(const std::wstring& address, uint32_t error) {
   const std::wstring page = address.empty() ? DownloadPageAddress() : address;
   const std::wstring text = UpdateErrorLines(error) + LoadLocalizedString(STR_DOWNLOAD_LATEST) + L":\n" + page +
-                            L"\n\n" + LoadLocalizedString(STR_OPEN) + L"?";
+                            L"\n\n" + LoadLocalizedString(STR_OPEN_QUESTION);
   if (ShowBox(text, LoadLocalizedString(STR_UPDATE), MB_YESNO | MB_ICONQUESTION) == IDYES) {
     OpenAddress(page);
   }
@@ -92,7 +100,7 @@ void PromptDownloadLatest(const std::wstring& address, uint32_t error) {
 }
 
 bool RunProcess(bool elevated, bool reportFailure, const std::wstring& file, const std::wstring& parameters) {
-  const uint32_t error = StartProgram(elevated, file, parameters);
+  const uint32_t error = StartProgram(elevated, file, parameters, LiveWindow());
   if (error != ERROR_SUCCESS && reportFailure) TellStartFailed(error, elevated, file);
   return error == ERROR_SUCCESS;
 }

@@ -35,6 +35,6 @@ TempFolder EnsureTempFolder();
 // led there. While an update is in progress the program closes afterwards, whatever the answer.
 void PromptDownloadLatest(const std::wstring& address, uint32_t error);
 
-// Starts a program without waiting for it, elevated or normally. True when it was started; otherwise, with
-// `reportFailure`, a box without owner has told why.
+// Starts a program in its own folder without waiting for it, elevated or normally. True when it was started; otherwise,
+// with `reportFailure`, a box has told why.
 bool RunProcess(bool elevated, bool reportFailure, const std::wstring& file, const std::wstring& parameters);

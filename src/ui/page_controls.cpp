@@ -4,7 +4,10 @@
 
 #include "core/context.h"
 #include "core/localization.h"
+#include "system/text.h"
 #include "ui/mailbox.h"
+#include "ui/mnemonics.h"
+#include "ui/scale.h"
 
 namespace {
 
@@ -29,16 +32,15 @@ void AddPlaceholderRows(HWND itemsView) {
 
 HWND CreateItemsView(HWND parent) {
   const DWORD style = WS_CHILD | WS_VISIBLE | WS_BORDER | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS |
-                      LVS_NOCOLUMNHEADER | LVS_NOSORTHEADER;
+                      LVS_NOCOLUMNHEADER | LVS_NOSORTHEADER | WS_TABSTOP;
   const HWND view = CreateWindowExW(0, WC_LISTVIEWW, nullptr, style, 0, 0, 0, 0, parent, nullptr, nullptr, nullptr);
   const LPARAM behaviour = LVS_EX_FULLROWSELECT | LVS_EX_INFOTIP | LVS_EX_LABELTIP;
   SendMessageW(view, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, behaviour);
   SendMessageW(view, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_DOUBLEBUFFER, LVS_EX_DOUBLEBUFFER);
-  PlaceWindow(view, kItemsPlace);
 
   LVCOLUMNW column{};
   column.mask = LVCF_WIDTH;
-  column.cx = kItemsPlace.width;
+  column.cx = Scaled(kItemsPlace.width);
   SendMessageW(view, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
   AddPlaceholderRows(view);
   return view;
@@ -52,21 +54,26 @@ ComponentsPageControls::ComponentsPageControls(HWND parent)
       selectFolderButton(parent, {}),
       componentsLabel(parent, LoadLocalizedString(STR_COMPONENTS) + L":"),
       itemsView(CreateItemsView(parent)),
-      itemsViewFont(ChangeFontHeight(itemsView, kLineHeight)),
       totalSizeLabel(parent),
-      installButton(parent, LoadLocalizedString(STR_INSTALL)) {
+      installButton(parent, LoadMarkedString(STR_INSTALL)) {
+  Arrange();
+  EnableWindow(installButton.Window(), FALSE);
+  if (!app.isAdmin) SendMessageW(installButton.Window(), BCM_SETSHIELD, 0, TRUE);
+}
+
+void ComponentsPageControls::Arrange() {
   installPathLabel.SetPlace(LineAt(10));
   installPathEdit.SetPlace({10, 31, 460, 21});
   selectFolderButton.PlaceAt(475, 30, 23);
   componentsLabel.SetPlace(LineAt(59));
+  PlaceWindow(itemsView, kItemsPlace);
+  itemsViewFont = ChangeFontHeight(itemsView, kLineHeight);
   totalSizeLabel.SetPlace(LineAt(360));
   installButton.PlaceAt(242, 386, 24);
   for (Control* line : {static_cast<Control*>(&installPathLabel), static_cast<Control*>(&installPathEdit),
                         static_cast<Control*>(&componentsLabel), static_cast<Control*>(&totalSizeLabel)}) {
     line->SetFontHeight(kLineHeight);
   }
-  EnableWindow(installButton.Window(), FALSE);
-  if (!app.isAdmin) SendMessageW(installButton.Window(), BCM_SETSHIELD, 0, TRUE);
 }
 
 InstallPageControls::InstallPageControls(HWND parent)
@@ -76,9 +83,16 @@ InstallPageControls::InstallPageControls(HWND parent)
       totalLabel(parent),
       totalProgress(parent),
       totalDetailLabel(parent),
+      logName(parent, LoadLocalizedString(STR_INSTALLER)),
       logEdit(parent, EDIT_LOG, {}, ES_MULTILINE | WS_VSCROLL),
-      deleteTmpCheckbox(parent, LoadLocalizedString(STR_DELETE_TEMP_FILES), app.deleteTmpFiles),
-      cancelButton(parent, LoadLocalizedString(STR_CANCEL)) {
+      deleteTmpCheckbox(parent, LoadMarkedString(STR_DELETE_TEMP_FILES), app.deleteTmpFiles),
+      cancelButton(parent, LoadMarkedString(STR_CANCEL)) {
+  Arrange();
+  SendMessageW(logEdit.Window(), EM_SETLIMITTEXT, kLogLimit, 0);
+  logEdit.Lock();
+}
+
+void InstallPageControls::Arrange() {
   packageLabel.SetPlace(LineAt(10));
   packageProgress.PlaceAt(31);
   packageDetailLabel.SetPlace(LineAt(54));
@@ -95,11 +109,8 @@ InstallPageControls::InstallPageControls(HWND parent)
   totalDetailLabel.SetFontHeight(kDetailHeight);
   logEdit.SetFontHeight(kLineHeight);
   deleteTmpCheckbox.SetFontHeight(kLineHeight);
-
-  SendMessageW(logEdit.Window(), EM_SETLIMITTEXT, kLogLimit, 0);
-  logEdit.Lock();
 }
 
 void AppendLog(const std::wstring& text) {
-  if (const InstallPageControls* page = app.installPage) pageNotes.LeaveLine(page->logEdit.Window(), text);
+  if (const InstallPageControls* page = app.installPage) pageNotes.LeaveLine(page->logEdit.Window(), OneLine(text));
 }

@@ -9,6 +9,8 @@
 
 struct ComponentsPageControls {
   explicit ComponentsPageControls(HWND parent);
+  // Places everything for the window's scale, which may have changed.
+  void Arrange();
 
   Label installPathLabel;
   TextEdit installPathEdit;
@@ -22,6 +24,8 @@ struct ComponentsPageControls {
 
 struct InstallPageControls {
   explicit InstallPageControls(HWND parent);
+  // Places everything for the window's scale, which may have changed.
+  void Arrange();
 
   Label packageLabel;
   ProgressBar packageProgress;
@@ -29,11 +33,13 @@ struct InstallPageControls {
   Label totalLabel;
   ProgressBar totalProgress;
   Label totalDetailLabel;
+  Label logName;  // has no size: screen readers take the label before a control for its name
   TextEdit logEdit;
   CheckBox deleteTmpCheckbox;
   PushButton cancelButton;
 };
 
-// Appends one line to the log of the installation page; nothing while there is no such page. The user's selection
-// in the log stays. Called by the worker, which doesn't wait for it (ui/mailbox.h).
+// Appends one line, whatever control characters a name in it has, to the log of the installation page; nothing while
+// there is no such page. The user's selection in the log stays, and so does what he has scrolled to. Called by the
+// worker, which doesn't wait (ui/mailbox.h).
 void AppendLog(const std::wstring& text);

@@ -19,6 +19,8 @@ bool IsUnfinishedCopy(const std::wstring& program) {
 
 std::wstring UpdateFilePath() { return JoinPath(*app.tmpPath.Get(), L"launcher.update"); }
 
+std::wstring NewProgramPath() { return app.exePath + L".new"; }
+
 void RemoveReplacedProgram() {
   constexpr int kTries = 20;
   constexpr DWORD kPauseMs = 50;
@@ -40,6 +42,7 @@ void RestoreReplacedProgram() {
 }
 
 void RemoveForgottenCopy() {
+  if (!app.updateInProgress) DeleteFileW(NewProgramPath().c_str());  // of an update that was interrupted
   if (app.updateInProgress || !PathExists(app.backupPath)) return;
   const std::string ownHash = ComputeFileMd5(app.exePath, nullptr);
   if (!ownHash.empty() && ownHash == ComputeFileMd5(UpdateFilePath(), nullptr)) DeleteFileW(app.backupPath.c_str());

@@ -6,6 +6,9 @@
 // Where an update keeps the program that it downloads. Any thread.
 std::wstring UpdateFilePath();
 
+// Where an update completes the new program, beside the old one, before it takes its place. Any thread.
+std::wstring NewProgramPath();
+
 // Removes the copy after an update. The program that was updated may still be ending, and can't be removed before it
 // has: that is waited for, one second at most, unless the window is there already.
 void RemoveReplacedProgram();

@@ -29,12 +29,19 @@ struct Update {
   std::string md5;           // that it must have
   std::wstring helpAddress;  // where a person gets it
   HttpClient client{app.userAgent, app.cancelRequested.Token()};
-  uint32_t error = 0;  // of the last failure, 0 when there was none or the system had no part in it
+  FileHandle held = {};  // of the file, once it is proven
+  uint32_t error = 0;    // of the last failure, 0 when there was none or the system had no part in it
 };
 
-bool IsAnnouncedFile(const Update& update) {
+// Also keeps the file from being changed, until it has been put into its place.
+bool IsAnnouncedFile(Update& update) {
   bool right = false;
-  RunWhileServing(update.dialog, [&] { right = ComputeFileMd5(update.file, nullptr) == update.md5; });
+  RunWhileServing(update.dialog, [&] {
+    update.held.Reset(CreateFileW(update.file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+    right = update.held && ComputeFileMd5(update.file, nullptr) == update.md5;
+  });
+  if (!right) update.held.Reset();
   return right;
 }
 
@@ -87,18 +94,25 @@ bool ObtainFile(Update& update, std::deque<std::string> urls) {
   return false;
 }
 
-// A running program can be moved, but not overwritten. Returns 0 or the error, after which the old program is in its
+// A running program can be moved, but not overwritten. The new one is complete before the old one goes, so that the
+// program is missing for one moment between two renames. Returns 0 or the error, after which the old program is in its
 // place again where that can be done.
 uint32_t ReplaceProgram(const std::wstring& newFile) {
   constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  const std::wstring newProgram = NewProgramPath();
+  if (!CopyFileW(newFile.c_str(), newProgram.c_str(), FALSE)) {
+    const DWORD error = GetLastError();
+    DeleteFileW(newProgram.c_str());
+    return error;
+  }
   if (!MoveFileExW(app.exePath.c_str(), app.backupPath.c_str(), kFlags)) return GetLastError();
-  if (CopyFileW(newFile.c_str(), app.exePath.c_str(), FALSE)) return ERROR_SUCCESS;
+  if (MoveFileExW(newProgram.c_str(), app.exePath.c_str(), kFlags)) return ERROR_SUCCESS;
   const DWORD error = GetLastError();
   MoveFileExW(app.backupPath.c_str(), app.exePath.c_str(), kFlags);
   return error;
 }
 
-bool Install(Update& update) {
+bool PutIntoPlace(Update& update) {
   ShowUpdateProgress(100);
   ShowUpdateStatus(STR_INSTALLING_UPDATE);
   RunWhileServing(update.dialog, [&] { update.error = ReplaceProgram(update.file); });
@@ -136,6 +150,6 @@ void RunSelfUpdate(const UpdaterInfo& announced) {
   }
   // The process must not end between the two steps of the replacement. A window that was closed before is gone.
   if (!app.windowHold.Acquire()) return;
-  if (!Install(update)) return GiveUp(update);
+  if (!PutIntoPlace(update)) return GiveUp(update);
   Relaunch();
 }

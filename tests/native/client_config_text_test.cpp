@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "system/text.h"
+
 TEST(ClientConfigText, FillsOnlyTheFirstEmptyElementOfEachKind) {
   const std::string before =
       "<nick>Ann</nick><nick></nick>\n<nick></nick><screenshot_path/><screenshot_path> </screenshot_path>"
@@ -10,8 +12,8 @@ TEST(ClientConfigText, FillsOnlyTheFirstEmptyElementOfEachKind) {
   EXPECT_EQ(FillClientConfig(text, {"", "1x1x32", "C:\\a", ""}), 0)
       << "nothing is empty, or there is nothing to fill in";
   EXPECT_EQ(text, before);
-  EXPECT_EQ(FillClientConfig(text, {"New7", "1x1x32", "C:\\a", "ru"}), 2);
+  EXPECT_EQ(FillClientConfig(text, {"New7", "1x1x32", "C:\\a", "r&u"}), 2);
   EXPECT_TRUE(text.starts_with("<nick>Ann</nick><nick>New7</nick>\n<nick></nick>"));
-  EXPECT_TRUE(text.ends_with("<locale>ru</locale>"));
+  EXPECT_TRUE(text.ends_with("<locale>r&amp;u</locale>"));
   EXPECT_EQ(ToTextFile(FromTextFile("a\nb\r\nc\r\xFF\r\r\n\x1A\r")), "a\r\nb\r\nc\r\xFF\r\r\n\x1A\r");
 }

@@ -59,6 +59,17 @@ TEST_F(Closing, ClosingWaitsForTheWorkerAndItsReport) {
   EXPECT_EQ(LastReport().find("&endsession"), std::string::npos) << LastReport();
 }
 
+TEST_F(Closing, TheEndOfTheSessionWaitsForTheWorkerAndItsReport) {
+  StartAndStall();
+  DWORD_PTR result = 0;
+  EXPECT_TRUE(SendMessageTimeoutW(Window(), WM_ENDSESSION, TRUE, static_cast<LPARAM>(ENDSESSION_LOGOFF), SMTO_NORMAL,
+                                  10'000, &result));
+  // Now Windows may end the process at any moment.
+  EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "download_cancel"}));
+  EXPECT_NE(LastReport().find("&endsession4"), std::string::npos) << LastReport();
+  EXPECT_GE(FileSize(TempPath(L"big.dat")), kStall);
+}
+
 TEST_F(Closing, TheFifthCloseEndsAtOnce) {
   StartAndStall();
   for (int i = 0; i < 4; ++i) SendMessageW(Window(), WM_CLOSE, 0, 0);

@@ -83,8 +83,10 @@ void InstallerTest::FollowRelaunch() {
   process_.emplace(process);
 }
 
-void InstallerTest::AwaitList() {
-  const auto ready = [this] { return PageOf(Window()) == ComponentsPage && IsWindowEnabled(BottomButton(Window())); };
+void InstallerTest::AwaitList(int dpi) {
+  const auto ready = [this, dpi] {
+    return PageOf(Window()) == ComponentsPage && IsWindowEnabled(BottomButton(Window(), dpi));
+  };
   ASSERT_TRUE(WaitUntil(ready)) << "the list of components was not filled";
 }
 

@@ -5,10 +5,19 @@
 #include "resource.h"
 #include "system/files.h"
 #include "system/folder_removal.h"
+#include "system/handles.h"
 
 namespace {
 
-class Options : public InstallerTest {};
+class Options : public InstallerTest {
+ protected:
+  // Whether the open Options menu shows a command grey.
+  bool IsGrey(UINT command) {
+    const HMENU options = GetSubMenu(GetMenu(Window()), 2);
+    SendMessageW(Window(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(options), 2);
+    return GetMenuState(options, command, MF_BYCOMMAND) & MF_GRAYED;
+  }
+};
 
 TEST_F(Options, ASpeedLimitChangesARunningDownload) {
   constexpr size_t kSize = 3'000'000;
@@ -18,6 +27,8 @@ TEST_F(Options, ASpeedLimitChangesARunningDownload) {
   Start(L"install:big.dat source:main");
   ASSERT_TRUE(WaitUntil([this] { return FileSize(TempPath(L"big.dat")) >= uint64_t{16} * 1024; }));
   EXPECT_LT(FileSize(TempPath(L"big.dat")), kSize / 2);
+  EXPECT_TRUE(IsGrey(COMMAND_DELETE_APP_DATA));
+  ChooseCommand(Window(), COMMAND_DELETE_APP_DATA);  // which asks nothing now
   ChooseCommand(Window(), COMMAND_SPEED_LIMIT);
   const InstallerBox dialog = ExpectBox();
   EXPECT_EQ(dialog.caption, L"Speed Limit");
@@ -25,6 +36,7 @@ TEST_F(Options, ASpeedLimitChangesARunningDownload) {
   AnswerBox(dialog, IDOK);
   ExpectEnd();
   ExpectContent(TargetPath(L"Big\\big.dat"), package.content);
+  EXPECT_TRUE(WaitUntil([this] { return !IsGrey(COMMAND_DELETE_APP_DATA); }));
 }
 
 // The program goes on; the next start is a first start, which keeps only its identifier.
@@ -41,6 +53,17 @@ TEST_F(Options, DeletedApplicationDataIsGone) {
   AnswerBox(ExpectBox(question), IDNO);
   ASSERT_TRUE(WaitUntil([this] { return !FindBox(Process().Id()).window; }));
   EXPECT_TRUE(PathExists(dataFolder + L"\\left.zip") && SettingsCount() > 0);
+  WriteTestFile(TempPath(L"used"), "used");
+  {
+    const FileHandle user(
+        CreateFileW(TempPath(L"used").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    ChooseCommand(Window(), COMMAND_DELETE_APP_DATA);
+    AnswerBox(ExpectBox(question), IDYES);
+    const InstallerBox remains = ExpectBox(L"- Folder: " + downloads_.Path());
+    EXPECT_TRUE(remains.text.starts_with(L"Error: 32\n")) << testing::PrintToString(remains.text);
+    EXPECT_EQ(remains.text.find(L"registry"), std::wstring::npos) << testing::PrintToString(remains.text);
+    AnswerBox(remains, IDOK);
+  }
   ChooseCommand(Window(), COMMAND_DELETE_APP_DATA);
   AnswerBox(ExpectBox(question), IDYES);
   AnswerBox(ExpectBox(L"Application data is deleted"), IDOK);

@@ -1,4 +1,5 @@
 // Installations from the first click to the last file.
+#include "core/site.h"
 #include "program/installer_test.h"
 #include "resource.h"
 
@@ -35,8 +36,9 @@ TEST_F(Installation, InstallsWhatIsChecked) {
   EXPECT_EQ(GetFileAttributesW(TargetPath(L"Unwanted").c_str()), INVALID_FILE_ATTRIBUTES);
   EXPECT_TRUE(server_->RequestsOf("/packages/unwanted.dat").empty());
   EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "install_finish"}));
+  const std::string userAgent = std::string("Zendora Installer/") + kProductVersion + " (Windows NT ";
   for (const RecordedRequest& request : server_->Requests()) {
-    EXPECT_TRUE(request.headers.at("user-agent").starts_with("Zendora Installer/4.0.8 (Windows NT ")) << request.target;
+    EXPECT_TRUE(request.headers.at("user-agent").starts_with(userAgent)) << request.target;
   }
 
   Press(BottomButton(Window()));
@@ -68,7 +70,7 @@ TEST_F(Installation, SecondInstanceHandsItsCommandLineToTheFirst) {
   const TestPackage second{.filename = "b.dat", .content = TestBytes(5000), .name = "N", .isDefault = false};
   Offer({first, second});
   Start();
-  AwaitList();  // before that, the command line would start the installation by itself
+  AwaitList();  // Install can be pressed from now on; a command line that is forwarded starts nothing by itself
   const InstallerProcess again(L"install:b.dat source:main");
   ASSERT_EQ(again.WaitForExit(), 0u);
   EXPECT_EQ(FindInstallerWindow(again.Id()), nullptr);

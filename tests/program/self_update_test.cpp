@@ -4,9 +4,11 @@
 #include <commctrl.h>
 #include <tlhelp32.h>
 
+#include "core/site.h"
 #include "program/installer_test.h"
 #include "resource.h"
 #include "system/files.h"
+#include "system/text.h"
 
 namespace {
 
@@ -113,6 +115,9 @@ class SelfUpdate : public InstallerTest {
   }
 
   const TempFolder folder_;
+  // Where an update completes the new program.
+  std::wstring Beside() const { return program_ + L".new"; }
+
   std::wstring program_, backup_;
   const std::string old_ = ReadTestFile(InstallerProcess::ProgramPath());
   std::string new_ = old_ + "newer";
@@ -159,7 +164,7 @@ TEST_F(SelfUpdate, TellsWhereToGetTheProgram) {
     std::string helpPage, shown;
   } cases[] = {{{kOther, kMissing}, kHelpPage, kHelpPage},
                {{kOther, kMissing}, "", kOther},
-               {{}, "", "https://zendora.example/play/"}};
+               {{}, "", WideToUtf8(DownloadPageAddress())}};
   for (const auto& test : cases) {
     SCOPED_TRACE(test.shown);
     StartUpdate(test.addresses, test.helpPage, L"install:a.dat source:main");
@@ -172,7 +177,7 @@ TEST_F(SelfUpdate, AClickMeanwhileTellsWhereToGetTheProgram) {
   StartAndStall();
   const HWND selectFolder = ChildAt(Window(), WC_BUTTONW, 475, 30);
   PostMessageW(Window(), WM_COMMAND, BN_CLICKED << 16, reinterpret_cast<LPARAM>(selectFolder));
-  ExpectPromptAndEnd(L"", "https://zendora.example/play/");
+  ExpectPromptAndEnd(L"", WideToUtf8(DownloadPageAddress()));
 }
 
 TEST_F(SelfUpdate, GoesOnWhenTheNetworkIsBack) {
@@ -243,19 +248,24 @@ TEST_F(SelfUpdate, ClosingEndsItAtAnyMoment) {
   }
 }
 
-// Whatever the moment, a whole program is there; and once it was started, it is the only one. The new program is large,
-// so that there are moments when it is half copied.
+// Whatever the moment, a whole program is there; and once it was started, nothing else. The new program is large, so
+// that there are moments when it is half copied.
 TEST_F(SelfUpdate, AKillAtAnyMomentLeavesAWholeProgram) {
   new_ = old_ + TestBytes(60'000'000);
   const auto afterDownload = [](DWORD milliseconds) { return [=] { Sleep(milliseconds); }; };
-  const auto afterMove = [this](DWORD milliseconds) {
+  const auto whenCopied = [this](DWORD milliseconds) {
     return [=, this] {
-      EXPECT_TRUE(WaitUntil([this] { return PathExists(backup_); }));
+      EXPECT_TRUE(WaitUntil([this] { return PathExists(Beside()) || PathExists(backup_); }, std::chrono::minutes(2)));
       Sleep(milliseconds);
     };
   };
-  const std::function<void()> moments[] = {afterDownload(0), afterDownload(300), afterMove(0), afterMove(10),
-                                           afterMove(200)};
+  // The relaunched program soon removes the old one.
+  const auto whenReplaced = [this] {
+    EXPECT_TRUE(WaitUntil([this] { return PathExists(backup_) || FileSize(program_) == new_.size(); },
+                          std::chrono::minutes(2)));
+  };
+  const std::function<void()> moments[] = {afterDownload(0), afterDownload(300), whenCopied(0), whenCopied(20),
+                                           whenReplaced};
   for (const auto& awaitMoment : moments) {
     SCOPED_TRACE(&awaitMoment - moments);
     DeleteFileW(UpdateFile().c_str());
@@ -269,7 +279,7 @@ TEST_F(SelfUpdate, AKillAtAnyMomentLeavesAWholeProgram) {
     if (!whole) ExpectContent(backup_, old_);
     Start(L"", whole ? program_ : backup_);
     AwaitList();
-    EXPECT_TRUE(WaitUntil([this] { return !PathExists(backup_); }));
+    EXPECT_TRUE(WaitUntil([this] { return !PathExists(backup_) && !PathExists(Beside()); }));
     ExpectContent(program_, whole ? *left : old_);
     Process().Kill();
   }

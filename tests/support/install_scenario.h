@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "core/context.h"
-#include "install/installation.h"
+#include "install/run_state.h"
 #include "manifest/manifest_model.h"
 #include "support/scripted_server.h"
 #include "support/temp_folder.h"
@@ -46,6 +46,6 @@ class InstallScenario : public testing::Test {
   const std::wstring file_ = folder_ / L"tmp\\fox", target_ = folder_ / L"games\\Fox";
   ScriptedServer server_;
   const TestWindow window_;
-  Installation run_;
+  RunState run_;
   Package package_;
 };

@@ -92,12 +92,15 @@ HWND ChildAt(HWND window, const wchar_t* windowClass, int x, int y) {
   return nullptr;
 }
 
-HWND BottomButton(HWND window) { return ChildAt(window, WC_BUTTONW, 242, 386); }
+HWND BottomButton(HWND window, int dpi) {
+  return ChildAt(window, WC_BUTTONW, MulDiv(242, dpi, 96), MulDiv(386, dpi, 96));
+}
 
 std::wstring ShownText(HWND window) {
   const auto length = static_cast<size_t>(Ask(window, WM_GETTEXTLENGTH));
   std::wstring text(length + 1, L'\0');
   text.resize(static_cast<size_t>(Ask(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+  if (lstrcmpiW(ClassOf(window).c_str(), WC_BUTTONW) == 0) std::erase(text, L'&');
   return text;
 }
 

@@ -23,9 +23,10 @@ Page PageOf(HWND window);
 // The visible child of a class at a place in the client area; null when there is none.
 HWND ChildAt(HWND window, const wchar_t* windowClass, int x, int y);
 // The only button at the bottom of the components and the installation page: Install, Cancel or Exit.
-HWND BottomButton(HWND window);
+// At 96 dots per inch, unless said otherwise.
+HWND BottomButton(HWND window, int dpi = 96);
 
-// What a window or control shows. Empty when it doesn't answer.
+// What a window or control shows, without the sign of the letter that presses a button. Empty when it doesn't answer.
 std::wstring ShownText(HWND window);
 // The log of the installation page, without line ends.
 std::vector<std::wstring> LogLines(HWND window);

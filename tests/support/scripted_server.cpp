@@ -84,8 +84,10 @@ Response BuildResponse(const RecordedRequest& request, const ScriptedAnswer& ans
   int status = answer.status;
   std::string range_header;
   const auto range = request.headers.find("range");
-  if (status == 200 && answer.honourRange && range != request.headers.end()) {
-    const uint64_t start = std::strtoull(range->second.c_str() + std::string_view("bytes=").size(), nullptr, 10);
+  if (answer.rangeFrom || (status == 200 && answer.honourRange && range != request.headers.end())) {
+    const uint64_t start = answer.rangeFrom
+                               ? *answer.rangeFrom
+                               : std::strtoull(range->second.c_str() + std::string_view("bytes=").size(), nullptr, 10);
     if (start < answer.body.size()) {
       status = 206;
       response.body.remove_prefix(static_cast<size_t>(start));
@@ -143,6 +145,7 @@ void ScriptedServer::State::Serve(Socket connection) {
   RecordedRequest request;
   if (!ReceiveRequest(connection.Get(), request)) return;
   const ScriptedAnswer answer = Record(request);
+  if (answer.stallBeforeAnswer && !Stall()) return;
   if (!answer.closeWithoutAnswer) {
     const Response response = BuildResponse(request, answer);
     if (!Send(connection.Get(), response.head) || !SendBody(connection.Get(), response.body, answer)) return;

@@ -11,11 +11,13 @@
 struct ScriptedAnswer {
   int status = 200;
   std::string body = {};
-  bool honourRange = true;                // answer 206 with the rest of the body to a range request that it covers
-  bool announceLength = true;             // send Content-Length
-  std::optional<size_t> closeAfter = {};  // close the connection after so many body bytes
-  bool closeWithoutAnswer = false;        // close it before the first byte
-  std::optional<size_t> stallAfter = {};  // wait for Resume() after so many body bytes
+  bool honourRange = true;                 // answer 206 with the rest of the body to a range request that it covers
+  bool announceLength = true;              // send Content-Length
+  std::optional<size_t> closeAfter = {};   // close the connection after so many body bytes
+  bool closeWithoutAnswer = false;         // close it before the first byte
+  std::optional<uint64_t> rangeFrom = {};  // answer 206 with the body from here on, whatever was asked for
+  std::optional<size_t> stallAfter = {};   // wait for Resume() after so many body bytes
+  bool stallBeforeAnswer = false;          // likewise, before the first byte
 };
 
 struct RecordedRequest {

@@ -10,10 +10,12 @@
 
 #include "support/replaced_import.h"
 
-extern "C" decltype(&ShellExecuteW) importedShellExecute __asm__("__imp__ShellExecuteW@24");
+extern "C" decltype(&ShellExecuteExW) importedShellExecute __asm__("__imp__ShellExecuteExW@4");
 
-struct ShellStart {
-  std::wstring verb, parameters;  // empty where none was given
+struct RecordedStart {
+  std::wstring verb, parameters, folder;  // empty where none was given
+  bool ownerLives = false;                // the window that a question would stand before is shown
+  DWORD flags = 0;
 };
 
 class ShellRecorder {
@@ -22,19 +24,19 @@ class ShellRecorder {
   explicit ShellRecorder(DWORD error = ERROR_SUCCESS) : error_(error) { current_ = this; }
 
   // To be read when nothing is being started.
-  const std::vector<ShellStart>& Starts() const { return starts_; }
+  const std::vector<RecordedStart>& Starts() const { return starts_; }
 
  private:
-  static HINSTANCE WINAPI Start(HWND, const wchar_t* verb, const wchar_t*, const wchar_t* parameters, const wchar_t*,
-                                int) {
+  static BOOL WINAPI Start(SHELLEXECUTEINFOW* info) {
     const auto given = [](const wchar_t* text) { return std::wstring(text ? text : L""); };
-    current_->starts_.push_back({given(verb), given(parameters)});
+    current_->starts_.push_back({given(info->lpVerb), given(info->lpParameters), given(info->lpDirectory),
+                                 IsWindowVisible(info->hwnd) != FALSE, info->fMask});
     SetLastError(current_->error_);
-    return reinterpret_cast<HINSTANCE>(INT_PTR{current_->error_ == ERROR_SUCCESS ? 33 : SE_ERR_ACCESSDENIED});
+    return current_->error_ == ERROR_SUCCESS;
   }
 
   static inline ShellRecorder* current_ = nullptr;
   const DWORD error_;
-  std::vector<ShellStart> starts_;
-  const ReplacedImport<decltype(&ShellExecuteW)> shellExecute_{importedShellExecute, Start};
+  std::vector<RecordedStart> starts_;
+  const ReplacedImport<decltype(&ShellExecuteExW)> shellExecute_{importedShellExecute, Start};
 };

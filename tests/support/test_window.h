@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "app/keyboard.h"
 #include "app/main_window.h"
 #include "app/pages.h"
 #include "core/context.h"
@@ -108,6 +109,7 @@ class TestWindow {
     SetWindowSubclass(window_, RunSteps, 0, 0);
     SetEvent(ready_.Get());
     for (MSG message; window_ && GetMessageW(&message, nullptr, 0, 0) > 0;) {
+      if (TakeKey(nullptr, message)) continue;
       TranslateMessage(&message);
       DispatchMessageW(&message);
     }

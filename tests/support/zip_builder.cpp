@@ -6,7 +6,11 @@
 #include <cstdlib>
 #include <utility>
 
+#ifdef _WIN32
 #include <iowin32.h>  // after zip.h, whose types it uses
+#else
+#include "system/text.h"
+#endif
 
 namespace {
 
@@ -30,10 +34,18 @@ void AddEntry(zipFile zip, const TestEntry& entry) {
   ASSERT_EQ(zipCloseFileInZip(zip), ZIP_OK);
 }
 
-void WriteZip(const std::wstring& path, const std::vector<TestEntry>& entries) {
+zipFile CreateZip(const std::wstring& path) {
+#ifdef _WIN32
   zlib_filefunc64_def functions;
   fill_win32_filefunc64W(&functions);
-  const zipFile zip = zipOpen2_64(path.c_str(), APPEND_STATUS_CREATE, nullptr, &functions);
+  return zipOpen2_64(path.c_str(), APPEND_STATUS_CREATE, nullptr, &functions);
+#else
+  return zipOpen64(WideToUtf8(path).c_str(), APPEND_STATUS_CREATE);
+#endif
+}
+
+void WriteZip(const std::wstring& path, const std::vector<TestEntry>& entries) {
+  const zipFile zip = CreateZip(path);
   for (const TestEntry& entry : entries) AddEntry(zip, entry);
   ASSERT_EQ(zipClose(zip, nullptr), ZIP_OK);
 }

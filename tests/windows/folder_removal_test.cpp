@@ -31,7 +31,7 @@ TEST(FolderRemoval, TakesEverythingButWhatIsInUseOrLinked) {
   const FileHandle user(CreateFileW(used.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
   realFindNextFile = importedFindNextFile;
   const ReplacedImport findNext(importedFindNextFile, FindNextWithJunctions);
-  RemoveFolder(folder.Path());
+  EXPECT_EQ(RemoveFolder(folder.Path()), DWORD{ERROR_SHARING_VIOLATION});
   EXPECT_TRUE(PathExists(used) && PathExists(linked));
   EXPECT_FALSE(PathExists(readOnly) || PathExists(folder / L"...x") || PathExists(folder / L"z"));
 }
@@ -49,10 +49,11 @@ TEST(FolderRemoval, LeavesVolumesAlone) {
   WriteTestFile(folder / L"sub\\file", "1");
   const ReplacedImport volumes(importedGetVolumePathName, GiveVolumeOfTheTest);
   for (const wchar_t* end : {L"", L"\\", L"/", L"\\.", L"\\sub\\.."}) {
-    RemoveFolder(volumeRoot + end);
+    EXPECT_EQ(RemoveFolder(volumeRoot + end), DWORD{ERROR_DIR_NOT_ROOT});
     EXPECT_TRUE(PathExists(folder / L"sub\\file")) << testing::PrintToString(end);
   }
-  RemoveFolder(folder / L"sub");
+  EXPECT_EQ(RemoveFolder(folder / L"sub"), 0u);
+  EXPECT_EQ(RemoveFolder(folder / L"sub"), 0u) << "it is gone already";
   EXPECT_FALSE(PathExists(folder / L"sub"));
 }
 

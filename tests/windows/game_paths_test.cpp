@@ -4,14 +4,14 @@
 #include <shlobj.h>
 
 #include "install/browse_for_path.h"
-#include "install/package_placement.h"
+#include "install/package_paths.h"
 #include "support/temp_folder.h"
 #include "system/files.h"
 
 static std::wstring TargetOf(const std::string& folder) {
   Package package;
   package.folder = folder;
-  return ResolveTargetFolder(Installation(), package);
+  return ResolveTargetFolder(RunState(), package);
 }
 
 TEST(GamePaths, OnlyWholePlaceholdersAreFolders) {

@@ -1,5 +1,11 @@
 #include "net/http_client.h"
 
+#include <winsock2.h>
+
+#include <stop_token>
+#include <thread>
+
+#include "net/http_post_client.h"
 #include "net/http_result.h"
 #include "support/install_scenario.h"
 #include "support/wininet_faults.h"
@@ -16,7 +22,8 @@ class Http : public InstallScenario {
 
   static std::string Summary(const HttpResult& result) {
     return std::to_string(result.statusCode) + ": " + std::to_string(result.received) + " of " +
-           std::to_string(result.total) + ", error " + std::to_string(result.error);
+           std::to_string(result.total) + ", error " + std::to_string(result.error) +
+           (result.cutShort ? ", cut short" : "") + (result.cancelled ? ", cancelled" : "");
   }
   std::string Download(uint64_t offset, const ScriptedAnswer& answer) {
     server_.AnswerNext("/a", answer);
@@ -34,7 +41,7 @@ TEST_F(Http, DownloadGoesOnWhereItBrokeOff) {
   ScriptedAnswer broken = Serving(content_), unranged = Serving(content_);
   broken.closeAfter = 6000;
   unranged.honourRange = false;
-  EXPECT_EQ(Download(0, broken), "200: 6000 of 10000, error 12030");
+  EXPECT_EQ(Download(0, broken), "200: 6000 of 10000, error 12030, cut short");
   EXPECT_EQ(Download(6000, Serving("no such range", 416)), "416: 0 of 0, error 0");
   EXPECT_EQ(ReadTestFile(file_), content_.substr(0, 6000));
   EXPECT_EQ(Download(6000, Serving(content_)), "206: 4000 of 4000, error 0");
@@ -58,4 +65,72 @@ TEST_F(Http, FetchesAnUndecodableBodyAgainWithoutGzip) {
   EXPECT_EQ(ReadTestFile(file_), "plain");
   EXPECT_TRUE(server_.Requests().at(0).headers.contains("accept-encoding"));
   EXPECT_FALSE(server_.Requests().at(1).headers.contains("accept-encoding"));
+}
+
+TEST_F(Http, AnAnswerThatCantBeTheRestLeavesWhatIsThere) {
+  const std::string there = content_.substr(0, 6000);
+  WriteTestFile(file_, there);
+  ScriptedAnswer signIn = Serving("<html>Sign in</html>"), elsewhere = Serving(content_), closed, cut = elsewhere;
+  signIn.honourRange = false;
+  elsewhere.rangeFrom = 5000;
+  closed.closeWithoutAnswer = true;
+  EXPECT_EQ(Download(6000, signIn), "200: 0 of 20, error 12152");
+  EXPECT_EQ(Download(6000, elsewhere), "206: 0 of 5000, error 12152");
+  EXPECT_EQ(Download(6000, closed), "0: 0 of 0, error 12030");
+  EXPECT_EQ(ReadTestFile(file_), there);
+  cut.closeAfter = 1000;  // together with what was there more than the rest that is announced
+  EXPECT_EQ(Download(6000, cut), "206: 1000 of 4000, error 0, cut short");
+  EXPECT_EQ(ReadTestFile(file_), content_.substr(0, 7000));
+}
+
+TEST_F(Http, TheSocketsOwnCodesCountAsTheClients) {
+  for (const auto& [socketCode, error] : {std::pair(DWORD{WSAECONNRESET}, "12031"), {WSAETIMEDOUT, "12002"}}) {
+    const ReadFaults faults({0, socketCode});
+    EXPECT_EQ(Download(0, Serving(content_)), std::string("200: 4096 of 10000, error ") + error + ", cut short");
+  }
+}
+
+// Wherever the line has gone silent, a transfer ends by itself after a while, and at once when it is stopped.
+TEST_F(Http, ASilentLineKeepsNobodyWaiting) {
+  for (const bool inHead : {true, false}) {
+    ScriptedAnswer silent = Serving(content_);
+    if (inHead) {
+      silent.stallBeforeAnswer = true;
+    } else {
+      silent.stallAfter = 5000;
+    }
+    const std::string brought = inHead ? "0: 0 of 0" : "200: 4096 of 10000";
+    client_.SetSilence(300);
+    EXPECT_EQ(Download(0, silent), brought + ", error 12002" + (inHead ? "" : ", cut short"));
+    server_.Resume();
+
+    std::stop_source stop;
+    HttpClient stoppable(app.userAgent, stop.get_token());
+    server_.AnswerNext("/a", silent);
+    std::thread stopper([&] {
+      EXPECT_TRUE(server_.WaitForStall());
+      stop.request_stop();
+    });
+    const ULONGLONG start = GetTickCount64();
+    EXPECT_TRUE(stoppable.DownloadToFile(kUrl, file_, 0, nullptr).cancelled);
+    EXPECT_LT(GetTickCount64() - start, 10'000u);
+    stopper.join();
+    server_.Resume();
+  }
+}
+
+TEST_F(Http, AReportToASilentAddressIsGivenUp) {
+  ScriptedAnswer silent;
+  silent.stallBeforeAnswer = true;
+  server_.Answer("/report", silent);
+  std::stop_source stop;
+  HttpPostClient reports(app.userAgent, stop.get_token());
+  reports.SetUrl(L"http://zendora.example/report");
+  for (const auto& [stopped, limitMs] : {std::pair(false, 12'000u), {true, 5'000u}}) {
+    if (stopped) stop.request_stop();
+    const ULONGLONG start = GetTickCount64();
+    reports.PostForm("a=b");
+    EXPECT_LT(GetTickCount64() - start, limitMs);
+  }
+  EXPECT_EQ(server_.RequestsOf("/report").size(), 2u) << "the last report of a cancelled run must get through";
 }

@@ -84,3 +84,22 @@ TEST_F(InstallationRunTest, TheFirstMismatchRefreshesTheManifestLaterOnesTryTheN
   EXPECT_EQ(server_.RequestsOf("/play/files/repository.php").size(), 1u);
   EXPECT_EQ(server_.RequestsOf("/2").at(0).headers.at("range"), "bytes=20-");
 }
+
+// "two" is newer than the manifest, which is fetched anew: it has another version of "one", proven by then, and
+// "three", for which somebody has laid a file of his own.
+TEST_F(InstallationRunTest, OnlyWhatTheNewestManifestDescribesIsPlaced) {
+  const std::string otherIsRight = "<md5 value='" + kOtherMd5 + "'/>";
+  const std::string other = otherIsRight + "<sources><source key='main' url='http://zendora.example/2'/></sources>";
+  const BoxRecorder none({});
+  server_.AnswerNext("/fox", Serving(kFox));
+  server_.AnswerNext("/fox", Serving(kOther));
+  server_.Answer("/2", Serving(kOther));
+  server_.Answer("/play/files/repository.php",
+                 Serving(ManifestOf({{"one", other}, {"two", otherIsRight}, {"three", other}})));
+  WriteTestFile(folder_ / L"tmp\\three", "somebody's own file");
+  server_.Answer("/fox", Serving(kOther));
+  Install({"one", "two", "three"}, ManifestOf({{"one", ""}, {"two", ""}}));
+  for (const wchar_t* name : {L"one", L"two", L"three"}) {
+    EXPECT_EQ(ReadTestFile(games_ + L"\\" + name + L"\\" + name), kOther) << name;
+  }
+}

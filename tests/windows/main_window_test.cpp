@@ -1,8 +1,11 @@
 // The main window with its menu and its pages.
 #include "app/main_window.h"
 
+#include <map>
+
 #include "app/component_list.h"
 #include "app/main_menu.h"
+#include "app/window_scale.h"
 #include "core/localization.h"
 #include "support/shell_recorder.h"
 #include "support/test_manifest.h"
@@ -63,7 +66,7 @@ TEST_F(MainWindow, ShowsTitlesHintsAndCommands) {
   Send(WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&tip));
   EXPECT_STREQ(text, L"Hint");
   GetMenuStringW(GetMenu(window_.Window()), COMMAND_SPEED_LIMIT, text, 64, MF_BYCOMMAND);
-  EXPECT_STREQ(text, L"Set download speed limit");
+  EXPECT_STREQ(text, L"&Set download speed limit");
 }
 
 TEST_F(MainWindow, LanguageChangesEverythingButTheWorkersTexts) {
@@ -80,6 +83,88 @@ TEST_F(MainWindow, LanguageChangesEverythingButTheWorkersTexts) {
   EXPECT_TRUE(TextOf(window_.Installation().deleteTmpCheckbox).starts_with(L"Delete created"));
 }
 
+// Stands in for a list that knows groups, or refuses them.
+struct GroupRecorder {
+  bool refuses = false;
+  bool inGroupView = false;
+  std::map<int, std::wstring> groups = {};
+  std::vector<int> groupsOfRows = {};
+};
+
+LRESULT CALLBACK RecordGroups(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR data) {
+  auto& recorder = *reinterpret_cast<GroupRecorder*>(data);
+  if (message == LVM_ENABLEGROUPVIEW) {
+    recorder.inGroupView = wParam != FALSE;
+    return 1;
+  }
+  if (message == LVM_INSERTGROUP) {
+    if (recorder.refuses) return -1;
+    const auto& group = *reinterpret_cast<const LVGROUP*>(lParam);
+    recorder.groups[group.iGroupId] = group.pszHeader;
+    return 0;
+  }
+  if (message == LVM_INSERTITEMW) {
+    recorder.groupsOfRows.push_back(reinterpret_cast<const LVITEMW*>(lParam)->iGroupId);
+  }
+  return DefSubclassProc(list, message, wParam, lParam);
+}
+
+// A row in no group is not shown.
+TEST_F(MainWindow, EveryRowIsInAGroupOrThereAreNone) {
+  LoadTestManifest(R"(<downloader><packages>
+      <package><filename value="a"/><group>Games</group></package><package><filename value="b"/></package>
+      <package><filename value="c"/><group>Maps</group></package><package><filename value="d"/></package>
+      <package><filename value="e"/><group>Games</group></package></packages></downloader>)");
+  for (const bool refuses : {false, true}) {
+    GroupRecorder recorder{.refuses = refuses};
+    const HWND list = window_.Components().itemsView;
+    window_.Run([&] { SetWindowSubclass(list, RecordGroups, 1, reinterpret_cast<DWORD_PTR>(&recorder)); });
+    Populate();
+    window_.Run([&] { RemoveWindowSubclass(list, RecordGroups, 1); });
+    EXPECT_EQ(recorder.inGroupView, !refuses);
+    if (refuses) continue;
+    EXPECT_EQ(recorder.groups, (std::map<int, std::wstring>{{0, L""}, {1, L"Games"}, {2, L"Maps"}}));
+    EXPECT_EQ(recorder.groupsOfRows, (std::vector<int>{1, 0, 2, 0, 1}));
+  }
+}
+
+// Where each control stands in the window, and how high its text is.
+std::vector<std::vector<int>> Layout(HWND window) {
+  std::vector<std::vector<int>> layout;
+  for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+    RECT place{};
+    GetWindowRect(child, &place);
+    MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+    if (IsRectEmpty(&place)) continue;  // is there for screen readers only
+    LOGFONTW font{};
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(child, WM_GETFONT, 0, 0)), sizeof font, &font);
+    layout.push_back({place.left, place.top, place.right - place.left, place.bottom - place.top, font.lfHeight});
+  }
+  return layout;
+}
+
+TEST_F(MainWindow, FollowsTheScaleOfTheScreenThatItComesTo) {
+  const std::function<void()> pages[] = {[] {}, ShowInstallPage, ShowClosingPage};
+  for (const auto& show : pages) {
+    window_.Run(show);
+    const auto unscaled = Layout(window_.Window());
+    for (const int dpi : {144, 192, 96}) {
+      auto expected = unscaled;
+      for (auto& control : expected) {
+        for (int& length : control) length = MulDiv(length, dpi, 96);
+      }
+      const RECT proposed{30, 40, 50, 60};
+      Send(kScaleChangedMessage, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&proposed));
+      EXPECT_EQ(Layout(window_.Window()), expected) << "page " << app.currentPage << " at " << dpi;
+      RECT place{};
+      GetWindowRect(window_.Window(), &place);
+      EXPECT_EQ(place.left, proposed.left);
+      EXPECT_EQ(place.top, proposed.top);
+      EXPECT_EQ(CheckedComponents(), app.currentPage == ComponentsPage ? (Names{"z", "t"}) : Names{});
+    }
+  }
+}
+
 TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {
   const ShellRecorder shell;
   app.commandLine = L"install:old source:old";
@@ -87,6 +172,7 @@ TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {
   SendMessageW(window_.Components().installButton.Window(), BM_CLICK, 0, 0);
   ASSERT_TRUE(window_.WaitUntilClosed());
   EXPECT_EQ(shell.Starts().at(0).verb, L"runas");
+  EXPECT_TRUE(shell.Starts().at(0).ownerLives) << "the question of consent stands before the window";
   EXPECT_EQ(shell.Starts().at(0).parameters, L"install:z,t source:eu");
 }
 

@@ -5,6 +5,7 @@
 #include "app/manifest_thread.h"
 #include "core/site.h"
 #include "manifest/manifest_retrieval.h"
+#include "support/box_recorder.h"
 #include "support/install_scenario.h"
 
 using ManifestStore = InstallScenario;
@@ -32,7 +33,7 @@ TEST_F(ManifestStore, WhatWasFetchedIsCachedWithoutItsUpdater) {
 TEST_F(ManifestStore, ACacheOfTheLastHourSparesTheNetwork) {
   Fetch(kPackage);
   server_.Answer("/play/files/repository.php", Serving("<downloader>" + kPackage + "</downloader>"));
-  for (const auto& [ageSeconds, requests] : {std::pair(3590, 0u), {3610, 1u}, {0, 1u}}) {
+  for (const auto& [ageSeconds, requests] : {std::pair(3590, 0u), {3610, 1u}, {0, 1u}, {-100, 2u}}) {
     using namespace std::filesystem;
     last_write_time(app.manifestPath, file_time_type::clock::now() - std::chrono::seconds(ageSeconds));
     ManifestThreadProc(nullptr);
@@ -45,4 +46,15 @@ TEST_F(ManifestStore, UrlTellsTheRepositoryWhatApplies) {
   app.darkMode = true;
   app.startupWaitMs = 4294967295u;
   EXPECT_EQ(BuildManifestUrl(), RepositoryAddress() + L"?l=9&u=0aB&dt=1&sd=4294967295");
+}
+
+TEST_F(ManifestStore, AnAnswerThatIsNoManifestIsTold) {
+  for (const char* answer : {"<html><body>Sign in</body></html>", "<downloader><packages>", "no XML"}) {
+    const BoxRecorder boxes({IDOK});
+    server_.Answer("/play/files/repository.php", Serving(answer));
+    ManifestThreadProc(nullptr);
+    ASSERT_EQ(boxes.Boxes().size(), 1u) << answer;
+    EXPECT_TRUE(boxes.Boxes()[0].text.starts_with(L"Error: 13\n"));
+    EXPECT_NE(boxes.Boxes()[0].text.find(L"Unable to download packages list"), std::wstring::npos);
+  }
 }

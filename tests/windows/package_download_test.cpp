@@ -13,6 +13,7 @@ class PackageDownloadTest : public InstallScenario {
   // Downloads the package as if for the first time in a run, but with what is in the folder.
   DownloadOutcome Download() {
     run_.errorRecords.clear();
+    run_.proven.clear();
     requestsBefore_ = server_.Requests().size();
     transferStatus.retryCount = 0;
     return DownloadPackage(run_, package_, 0, 1);
@@ -36,6 +37,7 @@ TEST_F(PackageDownloadTest, KeepsResumesOrReplacesWhatIsThere) {
       {"wrong", kOther, right, "all"},         {"too long", kFox + "!", right, "all"},
       {"other", half, "44|" + kFoxMd5, "all"}, {"without a record", kFox, "", "all"}};
   for (const auto& [what, file, record, requested] : cases) {
+    run_.proven.clear();
     WriteTestFile(file_, file);
     DeleteFileW(stat.c_str());  // it is hidden, and such a file can't be overwritten
     WriteTestFile(stat, record);
@@ -81,4 +83,26 @@ TEST_F(PackageDownloadTest, UnsafeNamesAreRefused) {
   package_.filename = "..\\fox";
   EXPECT_EQ(Download(), DownloadOutcome::FailedStop);
   EXPECT_EQ(Requested(), "nothing");
+}
+
+// A proxy that ends each answer early, as if it were over.
+TEST_F(PackageDownloadTest, AnswersThatAreCutShortAreGoneOnWith) {
+  ScriptedAnswer cut = Serving(kFox);
+  cut.closeAfter = 10;
+  server_.Answer("/fox", cut);
+  EXPECT_EQ(Download(), DownloadOutcome::Done);
+  EXPECT_EQ(ReadTestFile(file_), kFox);
+  EXPECT_EQ(server_.Requests().size(), 5u);
+  EXPECT_EQ(run_.errorRecords, "");
+}
+
+TEST_F(PackageDownloadTest, WhatWasProvenCantBeChanged) {
+  EXPECT_EQ(Download(), DownloadOutcome::Done);
+  EXPECT_TRUE(IsProven(run_, package_));
+  EXPECT_FALSE(DeleteFileW(file_.c_str()));
+  const FileHandle writable(CreateFileW(file_.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                        OPEN_EXISTING, 0, nullptr));
+  EXPECT_FALSE(writable);
+  package_.md5 = kOtherMd5;
+  EXPECT_FALSE(IsProven(run_, package_)) << "another version of the package";
 }

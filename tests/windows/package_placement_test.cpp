@@ -1,5 +1,6 @@
 #include "install/package_placement.h"
 
+#include "install/package_paths.h"
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
 #include "support/zip_builder.h"
@@ -76,13 +77,40 @@ TEST_F(PackagePlacementTest, FilesAreVerified) {
 }
 
 TEST_F(PackagePlacementTest, PathsThatLeaveTheirFolderAreRefused) {
-  EXPECT_TRUE(PathsStayInside(package_));
+  EXPECT_FALSE(FindUnsafePath(package_));
   for (const auto field :
        {&Package::filename, &Package::verify, &Package::install, &Package::link, &Package::execute}) {
     Package package = package_;
     package.*field = "../up|../up";
-    EXPECT_FALSE(PathsStayInside(package));
+    EXPECT_TRUE(FindUnsafePath(package));
   }
   package_.name = L"..\\other";
-  EXPECT_EQ(ResolveTargetFolder(run_, package_), L"");
+  EXPECT_EQ(FindUnsafePath(package_), package_.name);
+}
+
+TEST_F(PackagePlacementTest, NamesThatOnlyLookStrangeAreTaken) {
+  Pack({{"./models//deep/./gta3.img", "content"}});
+  package_.verify = "/models|.\\models\\\\deep//gta3.img|./";
+  package_.name = L".";
+  EXPECT_FALSE(FindUnsafePath(package_));
+  EXPECT_EQ(ResolveTargetFolder(run_, package_), run_.installPath);
+  EXPECT_TRUE(Place().ok);
+  EXPECT_EQ(ReadTestFile(target_ + L"\\models\\deep\\gta3.img"), "content");
+}
+
+TEST_F(PackagePlacementTest, ProtectedFilesOfAnOlderInstallationAreOverwritten) {
+  const std::wstring old = target_ + L"\\fox";
+  for (const bool packed : {true, false}) {
+    if (packed) {
+      Pack({{"fox", kFox}});
+    } else {
+      WriteTestFile(file_, kFox);
+      package_.filetype.clear();
+    }
+    WriteTestFile(old, "an older version");
+    SetFileAttributesW(old.c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_TRUE(Place().ok);
+    EXPECT_EQ(ReadTestFile(old), kFox);
+    SetFileAttributesW(old.c_str(), FILE_ATTRIBUTE_NORMAL);
+  }
 }

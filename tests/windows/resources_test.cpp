@@ -20,7 +20,7 @@ std::wstring TextIn(unsigned language, unsigned id) {
 // The program joins texts with ": ", " (", line breaks and question marks; a translation must end as the English does.
 TEST(Resources, TranslationsFitTheJointsOfTheEnglishTexts) {
   for (const auto& [language, name] : UiLanguages()) {
-    for (unsigned id = STR_PRODUCT_TITLE; id <= STR_BAD_CONNECTION; ++id) {
+    for (unsigned id = STR_PRODUCT_TITLE; id <= STR_OPEN_QUESTION; ++id) {
       const std::wstring english = TextIn(LANG_ENGLISH, id), text = TextIn(language, id);
       SCOPED_TRACE(WideToUtf8(name) + " text " + std::to_string(id) + ": " + WideToUtf8(text));
       const auto ending = [](const std::wstring& of) { return of.substr(of.find_last_not_of(L".:?! ") + 1); };

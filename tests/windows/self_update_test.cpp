@@ -25,7 +25,7 @@ bool closingPageShown;
 decltype(&CopyFileW) realCopyFile;
 
 BOOL WINAPI CloseBeforeCopy(const wchar_t* source, const wchar_t* target, BOOL failIfExists) {
-  EXPECT_FALSE(PathExists(target));
+  EXPECT_TRUE(PathExists(app.exePath));
   PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
   const ULONGLONG end = GetTickCount64() + 10'000;
   while (app.currentPage != ClosingPage && GetTickCount64() < end) Sleep(5);
@@ -33,8 +33,7 @@ BOOL WINAPI CloseBeforeCopy(const wchar_t* source, const wchar_t* target, BOOL f
   return realCopyFile(source, target, failIfExists);
 }
 
-// Between the two steps of the replacement the program's place is empty, and a process that ended there would leave it
-// so.
+// The replacement takes several steps, and a process that ended between them would leave it half done.
 TEST(SelfUpdate, AWindowClosedMeanwhileWaitsForTheNewProgramAndStaysClosed) {
   const TempFolder folder;
   const TestWindow window(CreateProgramWindow);

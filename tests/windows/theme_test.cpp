@@ -4,8 +4,11 @@
 
 #include "resource.h"
 #include "support/opened_dialog.h"
-#include "ui/theme/theme.h"
+#include "support/replaced_import.h"
+#include "ui/theme/dark_menu_bar.h"
 #include "ui/theme/theme_api.h"
+
+extern "C" decltype(&SystemParametersInfoW) importedSystemParametersInfo __asm__("__imp__SystemParametersInfoW@16");
 
 namespace {
 
@@ -27,6 +30,18 @@ BOOL WINAPI SetCompositionAttribute(HWND window, const CompositionAttribute* att
   return TRUE;
 }
 
+HTHEME WINAPI OpenThemeData(HWND, const wchar_t*) { return reinterpret_cast<HTHEME>(1); }
+HRESULT WINAPI CloseThemeData(HTHEME) { return S_OK; }
+// The text that was drawn last.
+std::wstring drawnText;
+COLORREF drawnColor;
+HRESULT WINAPI RecordText(HTHEME, HDC, int, int, const wchar_t* text, int length, DWORD, RECT*,
+                          const DTTOPTS* options) {
+  drawnText.assign(text, static_cast<size_t>(length));
+  drawnColor = options->crText;
+  return S_OK;
+}
+
 void CreateDarkWindow() {
   app.darkModeSupported = true;
   app.darkMode = true;
@@ -38,6 +53,9 @@ void CreateDarkWindow() {
   api.IsDarkModeAllowedForWindow = IsDarkModeAllowedForWindow;
   api.SetWindowTheme = RecordStyle;
   api.SetWindowCompositionAttribute = SetCompositionAttribute;
+  api.OpenThemeData = OpenThemeData;
+  api.CloseThemeData = CloseThemeData;
+  api.DrawThemeTextEx = RecordText;
   CreateProgramWindow();
 }
 
@@ -75,6 +93,83 @@ TEST_F(DarkMode, ComponentsPageFollowsTheUser) {
     EXPECT_EQ(static_cast<COLORREF>(SendMessageW(list, LVM_GETTEXTCOLOR, 0, 0)), dark ? kWhite : kBlack);
     EXPECT_EQ(static_cast<COLORREF>(SendMessageW(list, LVM_GETBKCOLOR, 0, 0)), dark ? kBlack : kWhite);
   }
+}
+
+TEST_F(DarkMode, InstallationPageFollowsTheUser) {
+  window_.Run(ShowInstallPage);
+  const HWND checkBox = window_.Installation().deleteTmpCheckbox.Window();
+  for (const bool dark : {true, false, true}) {
+    Choose(dark, window_.Window());
+    EXPECT_EQ(styles[checkBox], dark ? L"" : L"the system's own");
+    EXPECT_EQ(styles[window_.Installation().logEdit.Window()], L"Explorer");
+    for (const HWND control : {checkBox, window_.Installation().totalLabel.Window(),
+                               window_.Installation().logEdit.Window(), window_.Window()}) {
+      EXPECT_EQ(PixelOf(control, 300, 5), dark ? kBlack : kWhite);
+    }
+  }
+}
+
+bool highContrast;
+decltype(&SystemParametersInfoW) realSystemParametersInfo;
+BOOL WINAPI GiveHighContrast(UINT action, UINT size, void* value, UINT flags) {
+  const BOOL result = realSystemParametersInfo(action, size, value, flags);
+  if (action != SPI_GETHIGHCONTRAST) return result;
+  static_cast<HIGHCONTRASTW*>(value)->dwFlags = highContrast ? HCF_HIGHCONTRASTON : 0;
+  return TRUE;
+}
+
+TEST_F(DarkMode, HighContrastWins) {
+  realSystemParametersInfo = importedSystemParametersInfo;
+  const ReplacedImport parameters(importedSystemParametersInfo, GiveHighContrast);
+  for (const bool contrast : {false, true}) {
+    highContrast = contrast;
+    Choose(true, window_.Window());
+    EXPECT_EQ(app.darkMode, !contrast);
+    EXPECT_EQ(darkTitleBars[window_.Window()], !contrast);
+    EXPECT_EQ(PixelOf(window_.Window(), 2, 2), contrast ? kWhite : kBlack);
+  }
+}
+
+// What Windows sends to have an item of the menu bar drawn.
+struct MenuBarItem {
+  DRAWITEMSTRUCT item;
+  HMENU menu;
+  HDC dc;
+  DWORD flags;
+  int position;
+};
+
+TEST_F(DarkMode, MenuBarShowsTheStateOfItsItems) {
+  const struct {
+    UINT state;
+    COLORREF background, text;
+  } cases[] = {{0, kBlack, kWhite},
+               {ODS_HOTLIGHT, RGB(0x41, 0x41, 0x41), kWhite},
+               {ODS_SELECTED | ODS_HOTLIGHT, RGB(0x45, 0x45, 0x45), kWhite},
+               {ODS_GRAYED, kBlack, RGB(0x40, 0x40, 0x40)},
+               {ODS_DISABLED, kBlack, RGB(0x40, 0x40, 0x40)}};
+  const HDC screen = GetDC(nullptr), dc = CreateCompatibleDC(screen);
+  const HBITMAP bitmap = CreateCompatibleBitmap(screen, 100, 30);
+  SelectObject(dc, bitmap);
+  MenuBarItem item{};
+  item.menu = GetMenu(window_.Window());
+  item.dc = dc;
+  item.position = 2;
+  item.item.rcItem = {10, 5, 90, 25};
+  for (const auto& test : cases) {
+    item.item.itemState = test.state;
+    Choose(true, window_.Window());
+    EXPECT_EQ(SendMessageW(window_.Window(), kDrawMenuBarItemMessage, 0, reinterpret_cast<LPARAM>(&item)), TRUE);
+    EXPECT_EQ(GetPixel(dc, 10, 5), test.background);
+    EXPECT_EQ(drawnColor, test.text);
+    EXPECT_EQ(drawnText, L"&Options");
+    Choose(false, window_.Window());
+    EXPECT_EQ(SendMessageW(window_.Window(), kDrawMenuBarItemMessage, 0, reinterpret_cast<LPARAM>(&item)), 0)
+        << "in light mode the system draws it";
+  }
+  DeleteDC(dc);
+  DeleteObject(bitmap);
+  ReleaseDC(nullptr, screen);
 }
 
 TEST_F(DarkMode, DialogsFollowTheUser) {

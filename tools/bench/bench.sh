@@ -28,7 +28,7 @@ record() {
   [ -n "$2" ] || die "a measurement of $1 failed"
   echo "$2" >>"$folder/figures/$1"
 }
-median() { sort -g "$folder/figures/$1" | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+median() { python3 -c 'import statistics, sys; print(statistics.median(map(float, sys.stdin)))' <"$folder/figures/$1"; }
 highest() { sort -g "$folder/figures/$1" | tail -n 1; }
 
 say_row() { printf '| %s | %s | %s | %s | %s |\n' "$@" | tee -a "$folder/table"; }

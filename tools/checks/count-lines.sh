@@ -3,11 +3,8 @@
 source "$(dirname "$0")/../common.sh"
 cd "$root"
 
-lines_of() {
-  find "$@" -type f ! -name '*.ico' -print0 | xargs -0 grep -vhcE '^[[:space:]]*($|//|#([ !]|$))' |
-    awk '{ sum += $1 } END { print sum }'
-}
+lines_of() { cloc --quiet --csv --force-lang="C++",h "$@" | sed -nE 's/^[0-9]+,SUM,.*,([0-9]+)$/\1/p'; }
 
-program=$(lines_of src res) tools=$(lines_of tools run test) tests=$(lines_of tests)
-printf 'lines: %s in the program, %s in tools, %s in tests (%s %% of all)\n' \
+program=$(lines_of src res publish) tools=$(lines_of tools cmake CMakeLists.txt run test release) tests=$(lines_of tests)
+printf 'lines: %s in the programs, %s in tools, %s in tests (%s %% of all)\n' \
   "$program" "$tools" "$tests" $((tests * 100 / (program + tools + tests)))

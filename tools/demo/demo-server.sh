@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Runs a command with the demo site (made by tools/demo/demo-site) answering on ports 80 and 443. Inside the private network
+# Runs a command with the demo site (made by tools/demo/demo-site), or the one in ZENDORA_SITE_FOLDER, answering on ports
+# 80 and 443. Inside the private network
 # only. What was asked of it is in build/run/access.log, and each report that it got in build/run/reports.log.
 #   tools/demo/demo-server.sh COMMAND [ARGUMENT...]
 source "$(dirname "$0")/../common.sh"
 source "$(dirname "$0")/../harness/nginx.sh"
 
-site=$build/demo/site
+site=${ZENDORA_SITE_FOLDER:-$build/demo/site}
 mkdir -p "$build/run"
 rm -f "$build/run/access.log" "$build/run/reports.log"
 folder=$(mktemp -d -p "$build" demo-server.XXXXXX)
@@ -37,5 +38,5 @@ write_nginx_config "$folder" <<SERVERS
   }
 SERVERS
 start_nginx "$folder" 443
-export ZENDORA_DEMO_SERVER=$nginx_process
+export ZENDORA_DEMO_SERVER=$nginx_process ZENDORA_CERTIFICATE=$folder/certificate.pem
 "$@"

@@ -4,12 +4,15 @@
 //   drive_installer yes TEXT                          until a message box asks that; answers it
 //   drive_installer finish                            until the installation has ended
 //   drive_installer log | boxes                       prints the log, or the message boxes that wait for an answer
+//   drive_installer choose NUMBER                     chooses a menu command
+//   drive_installer dialog | dismiss                  until a dialog or message box is open; closes it
 //   drive_installer close                             closes the window, and waits until it is gone
 //   drive_installer ask-close                         only asks it to close
 // The status is 0 when what was waited for happened. A message box that nobody will answer ends every wait.
 #include <windows.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -88,6 +91,24 @@ bool PrintBoxes() {
   return true;
 }
 
+HWND OpenBox() { return FindBox(ProcessOf(FindInstallerWindow())).window; }
+
+bool AwaitDialog() {
+  return WaitUntil([] { return OpenBox() != nullptr; }, kLimit);
+}
+
+bool Dismiss() {
+  const HWND box = OpenBox();
+  // A question has no Cancel, and is answered with No.
+  PostMessageW(box, WM_COMMAND, GetDlgItem(box, IDNO) ? IDNO : IDCANCEL, 0);
+  return WaitUntil([box] { return !IsWindow(box); }, kLimit);
+}
+
+bool Choose(std::string_view command) {
+  ChooseCommand(FindInstallerWindow(), std::atoi(std::string(command).c_str()));
+  return true;
+}
+
 bool Close() {
   PostMessageW(FindInstallerWindow(), WM_CLOSE, 0, 0);
   return WaitUntil([] { return !FindInstallerWindow(); }, kLimit);
@@ -104,6 +125,9 @@ bool Run(std::string_view step, std::string_view argument) {
   if (step == "finish") return AwaitEnd();
   if (step == "log") return PrintLog();
   if (step == "boxes") return PrintBoxes();
+  if (step == "choose") return Choose(argument);
+  if (step == "dialog") return AwaitDialog();
+  if (step == "dismiss") return Dismiss();
   if (step == "close") return Close();
   if (step == "ask-close") return AskToClose();
   std::fprintf(stderr, "unknown step\n");

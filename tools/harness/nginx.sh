@@ -8,7 +8,8 @@
 write_nginx_config() {
   local folder=$1 kind
   [ "${ZENDORA_PRIVATE_NETWORK:-}" = inside ] || die "this runs inside tools/harness/private-network.sh only"
-  openssl req -x509 -newkey rsa:2048 -nodes -days 30 -subj /CN=zendora.example \
+  openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 30 -subj /CN=zendora.example \
+    -addext subjectAltName=DNS:zendora.example,DNS:mirror.zendora.example \
     -keyout "$folder/key.pem" -out "$folder/certificate.pem" 2>/dev/null
   printf 'ssl_certificate %s/certificate.pem;\nssl_certificate_key %s/key.pem;\n' "$folder" "$folder" >"$folder/tls.conf"
   {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs a command in a network of its own: nothing but a loopback interface, on which zendora.example lives and every
-# port is free. What runs inside can't reach anything outside, and nothing outside sees it.
+# port is free. What runs inside can't reach anything outside, nothing outside sees it, and it ends with the command.
 #   tools/harness/private-network.sh COMMAND [ARGUMENT...]
 source "$(dirname "$0")/../common.sh"
 
@@ -9,13 +9,15 @@ if [ "${ZENDORA_PRIVATE_NETWORK:-}" != inside ]; then
   [ "$(id -u)" -eq 0 ] || rights=(--map-root-user)
   unshare "${rights[@]}" --net --mount -- mount --bind /etc/hosts /etc/hosts 2>/dev/null ||
     die "a private network can't be made here: run this as root, on a machine (or in a container) that may make namespaces"
-  ZENDORA_PRIVATE_NETWORK=inside exec unshare "${rights[@]}" --net --mount -- "$0" "$@"
+  ZENDORA_PRIVATE_NETWORK=inside exec unshare "${rights[@]}" --net --mount --pid --fork --kill-child --mount-proc -- "$0" "$@"
 fi
 
 ip link set lo up
 hosts=$(mktemp -p "$build" hosts.XXXXXX)
 chmod 644 "$hosts"
-printf '127.0.0.1 localhost zendora.example mirror.zendora.example\n' >"$hosts"
+# A build for another site has its host here, too.
+site_hosts=$(sed -n 's|^ZENDORA_SITE_BASE:STRING=https\?://||p' "$build"/*/CMakeCache.txt 2>/dev/null | sort -u | tr '\n' ' ')
+printf '127.0.0.1 localhost mirror.zendora.example %s %s\n' zendora.example "$site_hosts" >"$hosts"
 mount --bind "$hosts" /etc/hosts
 rm -f "$hosts"
 exec "$@"

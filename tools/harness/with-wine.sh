@@ -4,7 +4,8 @@
 # ZENDORA_PREFIX names the folder for the copy, which then stays; an old one is replaced.
 source "$(dirname "$0")/../common.sh"
 
-prefix=${ZENDORA_PREFIX:-$build/prefixes/$$}
+mkdir -p "$build/prefixes"
+prefix=${ZENDORA_PREFIX:-$(mktemp -d -p "$build/prefixes")}
 clean_up() {
   wineserver -k || true
   [ -n "${ZENDORA_PREFIX:-}" ] || rm -rf "$prefix"

@@ -4,7 +4,7 @@
 source "$(dirname "$0")/../common.sh"
 
 # Name of the source package, and the version that its unpacked folder ends with (but for "+dfsg").
-libraries=(zlib=1.3.1 tinyxml2=11.0.0 googletest=1.16.0)
+libraries=(zlib=1.3.1 tinyxml2=11.0.0 googletest=1.16.0 curl=8.14.1)
 # The release that carries these versions.
 release=trixie
 

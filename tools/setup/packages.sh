@@ -5,14 +5,16 @@ source "$(dirname "$0")/../common.sh"
 packages=(
   # the cross compiler and the build
   g++ g++-mingw-w64-i686-posix binutils-mingw-w64-i686 cmake ninja-build dpkg-dev ca-certificates
+  # what zendora-publish is made with, and what signs the program
+  libcli11-dev nlohmann-json3-dev libcurl4-openssl-dev libssl-dev osslsigncode
   # the linters
-  clang-format clang-tidy cppcheck shellcheck
+  clang-format clang-tidy cppcheck shellcheck pylint cmake-format cloc
   # Wine, with both word sizes and TLS for each
   wine wine64 wine32:i386 libgnutls30 libgnutls30:i386
   # a virtual display, and the means to photograph it
   xvfb xdotool imagemagick fonts-wine fonts-liberation fonts-dejavu-core
   # the demo site and its private network
-  nginx-light openssl iproute2 util-linux python3 zip unzip
+  nginx-light openssl iproute2 util-linux python3 zip unzip python3-pefile
 )
 
 all_installed() {
@@ -29,6 +31,19 @@ apt() {
 # The plain way: the machine's own package sources as they are.
 install_plainly() {
   apt update >"$log" 2>&1 && apt install --no-install-recommends "${packages[@]}" >>"$log" 2>&1
+}
+
+# Stepping packages back harms nobody in a container, or on a machine that works for nobody but root and without a
+# terminal. Whoever sits at a machine of his own is asked.
+may_step_back() {
+  if [ "${1:-}" = --yes ] || [ -e /run/.containerenv ] || [ -e /.dockerenv ]; then return 0; fi
+  if [ -t 0 ] && [ -t 2 ]; then
+    local answer
+    read -rp "Step packages of this machine back to the base suite of Debian, where that is needed? [y/N] " answer
+    [ "$answer" = y ]
+    return
+  fi
+  [ "$(id -u)" -eq 0 ]
 }
 
 # An index of one architecture that is out of step with its release file leaves the two architectures with
@@ -64,6 +79,9 @@ log=$build/setup-packages.log
 as_root true
 dpkg --print-foreign-architectures | grep -qx i386 || as_root dpkg --add-architecture i386
 if ! install_plainly; then
+  may_step_back "$@" ||
+    die "apt can't install the packages as they are (see $log). \"tools/setup.sh --yes\" lets it step newer ones back;" \
+      "the Containerfile puts them on a machine of its own"
   say "the package sources are out of step; installing from the base suite"
   install_from_base_suite || {
     tail -n 20 "$log" >&2

@@ -2,7 +2,8 @@
 # Makes the Wine prefix in build/wine: 64-bit, Windows 10, with nothing of the user's own folders linked into it.
 source "$(dirname "$0")/../common.sh"
 
-[ -e "$wine_prefix/.complete" ] && exit 0
+# A prefix that another version of this script made is made anew.
+cmp -s "$0" "$wine_prefix/.made-by" && exit 0
 
 say "making the Wine prefix"
 rm -rf "$wine_prefix"
@@ -14,8 +15,10 @@ export WINEDLLOVERRIDES="mscoree=;mshtml="
 wineboot -i >"$log" 2>&1 || die "wineboot failed; see $log"
 wine winecfg -v win10 >>"$log" 2>&1 || die "winecfg failed; see $log"
 # The virtual display has no window manager. Asked for its help, Wine waits two seconds for it with each window that
-# closes.
-wine reg add 'HKCU\Software\Wine\AppDefaults\windows_tests.exe\X11 Driver' /v Managed /d N /f >>"$log" 2>&1
+# closes. (./run asks for one again on a desktop.)
+wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >>"$log" 2>&1
+# A program that crashes ends, with its stack on standard error, instead of waiting for somebody to read a dialog.
+wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >>"$log" 2>&1
 wineserver -k || true
 wineserver -w
 # Debian keeps Wine's fonts where its font loader doesn't look: without them dialogs and title bars are drawn, and texts
@@ -28,4 +31,4 @@ find "$wine_prefix/drive_c/users" -type l | while read -r link; do
 done
 # Wine draws the buttons of title bars with this font, and looks for it only here.
 cp /usr/share/wine/fonts/marlett.ttf "$wine_prefix/drive_c/windows/Fonts/"
-touch "$wine_prefix/.complete"
+cp "$0" "$wine_prefix/.made-by"

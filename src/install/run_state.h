@@ -11,8 +11,18 @@
 #include "net/http_post_client.h"
 #include "net/retry.h"
 #include "net/telemetry_reports.h"
+#include "system/handles.h"
 
-struct Installation {
+// A package file that this run has proven, or, of a package without `md5`, transferred. It is kept open so that until
+// it is placed nobody else can write, rename or delete it: it lies in a folder that every program of the user may write
+// to, and an elevated instance may start it.
+struct ProvenFile {
+  uint64_t size = 0;
+  std::string md5;
+  FileHandle held;
+};
+
+struct RunState {
   // Copied from `app` at the start
   std::vector<std::string> installList;
   std::wstring installPath, tmpPath;
@@ -26,6 +36,7 @@ struct Installation {
   std::string installedList;  // identifiers joined by ",": first all of the run, then those that were installed
   std::string errorRecords;   // of the current phase
   PackageStats packageStats;
+  std::map<std::string, ProvenFile> proven;  // by package identifier
   bool manifestRefreshed = false;
   uint64_t upsizeTotal = 0;  // sum of the packages' upsize
   uint64_t upsizeDone = 0;   // sum over the packages that the install phase is done with

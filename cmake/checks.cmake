@@ -1,0 +1,34 @@
+# What ./test checks beside the test programs, and the native tests of the other build. What takes long begins first.
+function(add_check name label)
+  add_test(NAME ${label}.${name} COMMAND ${ARGN} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
+  set_tests_properties(${label}.${name} PROPERTIES LABELS ${label} TIMEOUT 900)
+endfunction()
+
+foreach(check format includes)
+  add_check(${check} quick tools/checks/lint.sh ${check})
+endforeach()
+foreach(check cppcheck tidy shell python cmake)
+  add_check(${check} lint tools/checks/lint.sh ${check})
+endforeach()
+add_check(executable shipping tools/checks/check-executable)
+add_check(release shipping tests/publish/release-test.sh)
+add_check(installation demo ./run --headless)
+add_check(site publish
+  tools/harness/private-network.sh tests/publish/check-site-test.sh build/publish/zendora-publish)
+add_check(windows publish tests/publish/windows-tool-test.sh)
+add_check(guide publish tests/publish/guide-test.sh)
+# It needs the demo site, which that one makes.
+set_tests_properties(publish.windows PROPERTIES DEPENDS demo.installation)
+
+# These keep the processors busy: one at a time, beside tests that mostly wait.
+set_tests_properties(lint.tidy lint.cppcheck shipping.release publish.guide PROPERTIES
+  PROCESSORS 2 RESOURCE_LOCK processors)
+set_tests_properties(lint.tidy PROPERTIES COST 1000)
+set_tests_properties(shipping.release PROPERTIES COST 500 TIMEOUT 1800)
+set_tests_properties(demo.installation PROPERTIES COST 300)
+
+# The native tests belong to a build of their own; where that is missing, there are none.
+file(WRITE ${CMAKE_BINARY_DIR}/native_tests.cmake
+  "include(\"${CMAKE_SOURCE_DIR}/build/native/CTestTestfile.cmake\" OPTIONAL)\n"
+  "include(\"${CMAKE_SOURCE_DIR}/build/native/publish/CTestTestfile.cmake\" OPTIONAL)\n")
+set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/native_tests.cmake)

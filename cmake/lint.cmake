@@ -1,0 +1,16 @@
+# Every source of ours is read by clang-tidy before it is compiled, and read anew when it, or what it includes, or the
+# list of checks has changed: the build remembers the rest.
+execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=include/c++
+  OUTPUT_VARIABLE library_headers OUTPUT_STRIP_TRAILING_WHITESPACE)
+
+# clang finds the headers of Windows by itself; the standard library's are the cross compiler's.
+set(tidy_command clang-tidy --quiet
+  --extra-arg=--target=i686-w64-mingw32 --extra-arg=-Wno-unused-command-line-argument --extra-arg=-Wreserved-identifier
+  --extra-arg=-isystem${library_headers} --extra-arg=-isystem${library_headers}/i686-w64-mingw32)
+
+function(lint_target target)
+  set_target_properties(${target} PROPERTIES CXX_CLANG_TIDY "${tidy_command}" DISABLE_PRECOMPILE_HEADERS ON)
+  get_target_property(sources ${target} SOURCES)
+  list(FILTER sources INCLUDE REGEX "\\.cpp$")
+  set_source_files_properties(${sources} PROPERTIES OBJECT_DEPENDS ${CMAKE_SOURCE_DIR}/.clang-tidy)
+endfunction()

@@ -1,0 +1,71 @@
+#include "address.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "ascii.h"
+#include "md5.h"
+
+namespace {
+
+constexpr std::string_view kHttp = "http://", kHttps = "https://";
+
+// What stands between the scheme and the path; empty without a scheme.
+std::string_view AuthorityOf(std::string_view url) {
+  const size_t scheme = url.find("://");
+  if (scheme == std::string_view::npos) return {};
+  url.remove_prefix(scheme + 3);
+  return url.substr(0, url.find_first_of("/?#"));
+}
+
+bool IsUrlCharacter(char c) {
+  return c > ' ' && c < 0x7F && std::string_view("\"<>\\^`{|}").find(c) == std::string_view::npos;
+}
+
+}  // namespace
+
+std::string AddressFault(std::string_view url) {
+  if (url.empty()) return "the address is empty";
+  const std::string quoted = "the address \"" + std::string(url.substr(0, 200)) + "\" ";
+  if (!url.starts_with(kHttp) && !url.starts_with(kHttps))
+    return quoted + "must begin with https:// or http://, in lower case";
+  if (!std::all_of(url.begin(), url.end(), IsUrlCharacter)) {
+    return quoted + "holds a blank or another character that must be written as %..";
+  }
+  const std::string_view authority = AuthorityOf(url);
+  if (authority.find('@') != std::string_view::npos)
+    return "an address with a user name or password in it can't be used";
+  if (authority.empty()) return quoted + "has no host";
+  if (authority.find(':') != std::string_view::npos)
+    return quoted + "names a port; the installer always asks the usual one";
+  return "";
+}
+
+std::string AddressWeakness(std::string_view url) {
+  const std::string quoted = "the address \"" + std::string(url.substr(0, 200)) + "\" ";
+  if (url.starts_with(kHttp)) return quoted + "is http: everybody on the way can read it and change it";
+  if (url.find('#') != std::string_view::npos) return quoted + "has a \"#\" part, which servers never see";
+  return "";
+}
+
+std::string SiteOf(std::string_view url) {
+  const std::string_view authority = AuthorityOf(url);
+  if (authority.empty()) return "";
+  return LowerAscii(url.substr(0, static_cast<size_t>(authority.data() - url.data()) + authority.size()));
+}
+
+std::string HostOf(std::string_view url) {
+  const std::string_view authority = AuthorityOf(url);
+  return LowerAscii(authority.substr(0, authority.find(':')));
+}
+
+std::string UrlEscaped(std::string_view name) {
+  std::string escaped;
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool plain =
+        std::isalnum(byte) != 0 || std::string_view("-._~!$'()*+,;=:@").find(c) != std::string_view::npos;
+    escaped += plain ? std::string(1, c) : "%" + HexText(&byte, 1);
+  }
+  return escaped;
+}

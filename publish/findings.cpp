@@ -1,0 +1,78 @@
+#include "findings.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+namespace {
+
+constexpr size_t kLongestQuote = 120;
+
+const char* NameOf(Severity severity) {
+  constexpr const char* kNames[] = {"note", "warning", "error"};
+  return kNames[static_cast<size_t>(severity)];
+}
+
+// A name out of a manifest or an archive must not steer the terminal that shows it.
+std::string Printable(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
+  return text;
+}
+
+std::vector<Finding> InLineOrder(const Findings& findings) {
+  std::vector<Finding> sorted = findings.list;
+  std::stable_sort(sorted.begin(), sorted.end(), [](const Finding& a, const Finding& b) { return a.line < b.line; });
+  return sorted;
+}
+
+std::string Counted(size_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+void Reporter::Tell(Severity severity, int line, std::string message) const {
+  findings_->list.push_back({severity, line, subject_, check_, std::move(message)});
+}
+
+size_t CountOf(const Findings& findings, Severity severity) {
+  const auto matches = [=](const Finding& finding) { return finding.severity == severity; };
+  return static_cast<size_t>(std::count_if(findings.list.begin(), findings.list.end(), matches));
+}
+
+void PrintFindings(std::ostream& out, const Findings& findings) {
+  for (const Finding& finding : InLineOrder(findings)) {
+    std::string line = findings.file + ":";
+    if (finding.line != 0) line += std::to_string(finding.line) + ":";
+    line += std::string(" ") + NameOf(finding.severity) + ": ";
+    if (!finding.subject.empty()) line += finding.subject + ": ";
+    out << Printable(line + finding.message + " [" + finding.check + "]") << "\n";
+  }
+  out << findings.file << ": " << Counted(CountOf(findings, Severity::Error), "error") << ", "
+      << Counted(CountOf(findings, Severity::Warning), "warning") << "\n";
+}
+
+void PrintFindingsAsJson(std::ostream& out, const Findings& findings) {
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  for (const Finding& finding : InLineOrder(findings)) {
+    list.push_back({{"line", finding.line},
+                    {"severity", NameOf(finding.severity)},
+                    {"package", finding.subject},
+                    {"check", finding.check},
+                    {"message", finding.message}});
+  }
+  const nlohmann::ordered_json document = {{"file", findings.file},
+                                           {"errors", CountOf(findings, Severity::Error)},
+                                           {"warnings", CountOf(findings, Severity::Warning)},
+                                           {"findings", list}};
+  constexpr auto kReplaceInvalidUtf8 = nlohmann::ordered_json::error_handler_t::replace;
+  out << document.dump(2, ' ', false, kReplaceInvalidUtf8) << "\n";
+}
+
+std::string Quoted(std::string_view text) {
+  std::string quoted = "\"";
+  quoted += text.substr(0, kLongestQuote);
+  if (text.size() > kLongestQuote) quoted += "...";
+  return quoted += '"';
+}

@@ -1,0 +1,48 @@
+#include "task_paths.h"
+
+#include <algorithm>
+
+#include "ascii.h"
+#include "install/package_texts.h"
+#include "system/path_names.h"
+
+namespace {
+
+void AddTask(const PackageEntry& entry, const char* name, std::vector<TaskPath>& paths) {
+  const tinyxml2::XMLElement* tasks = entry.Child("tasks");
+  if (!tasks) return;
+  for (auto* task = tasks->FirstChildElement(name); task; task = task->NextSiblingElement(name)) {
+    paths.push_back({name, AttributeOf(*task, "path"), task->GetLineNum()});
+  }
+}
+
+}  // namespace
+
+std::vector<TaskPath> TaskPathsOf(const PackageEntry& entry) {
+  std::vector<TaskPath> paths;
+  for (const std::string& piece : SplitTaskText(entry.package.verify)) {
+    paths.push_back({"verify", piece, entry.LineOf("verify")});
+  }
+  for (const char* name : {"link", "install", "execute"}) AddTask(entry, name, paths);
+  return paths;
+}
+
+bool StaysInside(std::wstring_view path) {
+  std::wstring relative = NormalizePath(path);
+  if (!relative.empty() && IsSeparator(relative.front())) relative.erase(0, 1);
+  return relative.empty() || IsSafeRelativePath(relative);
+}
+
+std::string ComparablePath(std::string_view path) {
+  std::string comparable;
+  while (!path.empty()) {
+    const size_t end = std::min(path.find_first_of("\\/"), path.size());
+    const std::string_view component = path.substr(0, end);
+    if (!component.empty() && component != ".") {
+      if (!comparable.empty()) comparable += '\\';
+      comparable += LowerAscii(component);
+    }
+    path.remove_prefix(std::min(end + 1, path.size()));
+  }
+  return comparable;
+}

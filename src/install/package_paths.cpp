@@ -1,0 +1,88 @@
+#include "install/package_paths.h"
+
+#include <windows.h>
+
+#include <cstdlib>
+
+#include "core/context.h"
+#include "install/browse_for_path.h"
+#include "install/game_paths.h"
+#include "install/package_texts.h"
+#include "system/files.h"
+#include "system/path_names.h"
+#include "system/text.h"
+
+namespace {
+
+// Empty for the folder that it is relative to.
+std::wstring RelativePath(std::wstring_view path) {
+  std::wstring relative = NormalizePath(path);
+  if (!relative.empty() && IsSeparator(relative.front())) relative.erase(0, 1);
+  return relative;
+}
+
+// The paths that a package names below its target, as they stand in the manifest.
+std::vector<std::wstring> PathsBelowTarget(const Package& package) {
+  std::vector<std::wstring> paths;
+  for (const std::string& piece : SplitTaskText(package.verify)) paths.push_back(WidenBytes(piece));
+  for (const std::string& task : {package.install, package.link, package.execute}) {
+    if (!task.empty()) paths.push_back(WidenBytes(SplitTaskText(task)[0]));
+  }
+  return paths;
+}
+
+// The known path, or what the user picks for it; empty when there is neither.
+std::wstring KnownOrPicked(const std::wstring& known, BrowseMode mode) {
+  if (known.empty() && !BrowseForPath(app.mainWindow, mode)) return {};
+  return known;
+}
+
+// The folder that a package's `folder` stands for: a known game's folder, which the user may be asked for, or a special
+// folder of Windows; empty when it can't be resolved.
+std::wstring ResolveFolderPlaceholder(const std::string& folder) {
+  DetectGameInstallations(true);
+  if (folder == "{mtasa_folder}") return KnownOrPicked(gamePaths.mtaFolder, BrowseMode::MtaExecutable);
+  if (folder == "{mtasa_cache_folder}") return KnownOrPicked(gamePaths.mtaCacheFolder, BrowseMode::MtaCacheFolder);
+  if (folder == "{gtasa_folder}") return KnownOrPicked(gamePaths.gtaFolder, BrowseMode::GtaExecutable);
+  if (folder.starts_with('{') && folder.ends_with('}')) {
+    const long csidl = std::strtol(folder.c_str() + 1, nullptr, 10);
+    if (csidl != 0) return SpecialFolder(static_cast<int>(csidl));
+  }
+  return {};
+}
+
+}  // namespace
+
+std::wstring PackageFilePath(const RunState& run, const std::string& filename) {
+  return JoinPath(run.tmpPath, WidenBytes(filename));
+}
+
+std::wstring StatRecordPath(const std::wstring& packageFilePath) { return packageFilePath + L".stat"; }
+
+std::optional<std::wstring> FindUnsafePath(const Package& package) {
+  const std::wstring file = WidenBytes(package.filename);
+  if (!IsSafeFileName(file)) return file;
+  std::vector<std::wstring> paths = PathsBelowTarget(package);
+  if (package.folder.empty()) paths.push_back(package.name);
+  for (const std::wstring& path : paths) {
+    const std::wstring relative = RelativePath(path);
+    if (!relative.empty() && !IsSafeRelativePath(relative)) return path;
+  }
+  return std::nullopt;
+}
+
+std::wstring ResolveTargetFolder(const RunState& run, const Package& package) {
+  if (!package.folder.empty()) return ResolveFolderPlaceholder(package.folder);
+  if (package.name.empty()) return {};
+  const auto existing = run.existingFolders.find(package.filename);
+  if (existing != run.existingFolders.end() && IsDirectory(existing->second)) return existing->second;
+  const std::wstring name = RelativePath(package.name);
+  const std::wstring target = name.empty() ? run.installPath : JoinPath(run.installPath, name);
+  if (name.empty() || IsSafeRelativePath(name)) CreateDirectories(target);
+  return target;
+}
+
+std::wstring PathInTarget(const std::wstring& target, std::string_view path) {
+  const std::wstring relative = RelativePath(WidenBytes(path));
+  return relative.empty() ? target : JoinPath(target, relative);
+}

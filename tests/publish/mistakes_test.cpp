@@ -1,0 +1,66 @@
+// Each mistake is found by its check; and the same without that check finds nothing of it: so none passes by the work
+// of another check.
+#include "publish/mistakes.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "check.h"
+
+namespace {
+
+std::string Line(const Finding& finding) {
+  constexpr const char* kNames[] = {"note: ", "warning: ", "error: "};
+  return kNames[static_cast<size_t>(finding.severity)] + (finding.subject.empty() ? "" : finding.subject + ": ") +
+         finding.message;
+}
+
+Findings CheckSite(const GoodSite& site, std::set<std::string, std::less<>> skipped = {}) {
+  return CheckManifest(*ParseManifestText("manifest.xml", site.manifest),
+                       {.filesFolder = site.Files(), .skipped = std::move(skipped)});
+}
+
+std::string AllLines(const Findings& findings) {
+  std::string lines;
+  for (const Finding& finding : findings.list) lines += "\n" + Line(finding) + " [" + finding.check + "]";
+  return lines;
+}
+
+TEST(Mistakes, AGoodSiteHasNone) {
+  const GoodSite site;
+  const Findings findings = CheckSite(site);
+  EXPECT_TRUE(findings.list.empty()) << AllLines(findings);
+}
+
+void ExpectFound(const Mistake& mistake) {
+  SCOPED_TRACE(mistake.message);
+  GoodSite site;
+  for (const auto& [from, to] : mistake.edits) site.Replace(from, to);
+  if (mistake.spoil) mistake.spoil(site);
+  const auto hasMessage = [&](const Finding& finding) { return Line(finding).starts_with(mistake.message); };
+
+  const Findings findings = CheckSite(site);
+  EXPECT_EQ(std::count_if(findings.list.begin(), findings.list.end(), hasMessage), 1) << AllLines(findings);
+
+  const Findings without = CheckSite(site, {mistake.check});
+  EXPECT_TRUE(std::none_of(without.list.begin(), without.list.end(), hasMessage)) << AllLines(without);
+}
+
+TEST(Mistakes, EachInAManifestIsFoundByItsCheck) {
+  for (const Mistake& mistake : ManifestMistakes()) ExpectFound(mistake);
+}
+
+TEST(Mistakes, EachInAFileIsFoundByItsCheck) {
+  for (const Mistake& mistake : FileMistakes()) ExpectFound(mistake);
+}
+
+TEST(Mistakes, EveryCheckHasOne) {
+  std::set<std::string_view> checks;
+  for (const Mistake& mistake : ManifestMistakes()) checks.insert(mistake.check);
+  for (const Mistake& mistake : FileMistakes()) checks.insert(mistake.check);
+  for (const std::string_view name : CheckNames()) EXPECT_TRUE(checks.contains(name)) << name;
+}
+
+}  // namespace

@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Makes a release for another site, signed with a certificate that is thrown away, and looks at what came out.
+source "$(dirname "$0")/../../tools/common.sh"
+
+folder=$(mktemp -d -p "$build" release-test.XXXXXX)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+openssl req -x509 -newkey rsa:2048 -nodes -days 30 -subj '/CN=Thrown away' -addext extendedKeyUsage=codeSigning \
+  -keyout key.pem -out certificate.pem 2>/dev/null
+printf 'a password' >password
+openssl pkcs12 -export -inkey key.pem -in certificate.pem -out certificate.p12 -passout file:password
+
+site=https://downloads.elsewhere.test version=9.8.7
+"$root/release" "$version" --site "$site" --links elsewhere.test,forum.elsewhere.test \
+  --sign certificate.p12 --password-file password
+cp -r "$build/release/dist" .
+cd dist
+
+name=ZendoraInstaller-$version.exe
+fail() { die "the release: $*"; }
+sha256sum --quiet -c SHA256SUMS || fail "its SHA-256 is wrong"
+md5sum --quiet -c MD5SUMS || fail "its MD5 is wrong"
+osslsigncode verify -CAfile ../certificate.pem -in "$name" >/dev/null || fail "its signature is not valid"
+! LC_ALL=C grep -qaE 'z.?e.?n.?d.?o.?r.?a.?\..?e.?x.?a.?m.?p.?l.?e' "$name" || fail "it still names the default site"
+grep -qF "md5=\"$(md5sum <"$name" | cut -c1-32)\"" updater.xml || fail "the updater has another md5"
+grep -qF "<source url=\"$site/play/$name\"/>" updater.xml || fail "the updater has another address"
+grep -q "^## $version$" CHANGES.md || fail "the list of changes is missing"
+
+# What the checks find is not what they were told: the same program isn't one of another version, site or link.
+ln "$name" ZendoraInstaller.exe
+expect_fault() {
+  printf 'ZENDORA_VERSION:STRING=%s\nZENDORA_SITE_BASE:STRING=%s\nZENDORA_ABOUT_LINKS:STRING=%s\n' "$1" "$2" "$3" >CMakeCache.txt
+  "$root/tools/checks/check-executable" "$PWD/ZendoraInstaller.exe" >faults.txt || true
+  grep -qF -- "$4" faults.txt || fail "nothing is said about \"$4\", but: $(cat faults.txt)"
+}
+expect_fault "$version" "$site" 'elsewhere.test;forum.elsewhere.test' ' 0 faults'
+expect_fault 9.8.6 "$site" elsewhere.test "its file version is 9.8.0.7, which doesn't stand for 9.8.6"
+expect_fault "$version" https://zendora.example elsewhere.test 'the address https://zendora.example/ is not in it'
+expect_fault "$version" "$site" social.example 'the address social.example is not in it'
+rm -rf "$build/release/dist"

@@ -1,0 +1,158 @@
+// The main window without a mouse.
+#include <set>
+
+#include "app/commands.h"
+#include "app/component_list.h"
+#include "core/localization.h"
+#include "support/box_recorder.h"
+#include "support/test_manifest.h"
+#include "support/test_window.h"
+#include "ui/mnemonics.h"
+
+namespace {
+
+class Keyboard : public testing::Test {
+ protected:
+  Keyboard() {
+    app.isAdmin = true;
+    LoadTestManifest(
+        "<downloader><sources><source key='m' title='Main'/></sources><packages>"
+        "<package><filename value='a'/></package><package><filename value='b'/></package></packages></downloader>");
+    window_.Run(PopulateComponentList);
+  }
+
+  HWND Focus() const {
+    GUITHREADINFO thread{};
+    thread.cbSize = sizeof thread;
+    GetGUIThreadInfo(GetWindowThreadProcessId(window_.Window(), nullptr), &thread);
+    return thread.hwndFocus;
+  }
+  static bool WaitFor(const std::function<bool()>& condition) {
+    for (int i = 0; i < 1000 && !condition(); ++i) Sleep(10);
+    return condition();
+  }
+  void Press(WPARAM key) const { PostMessageW(Focus(), WM_KEYDOWN, key, 1); }
+  // Where the focus begins, and where Tab leads it until it is there again.
+  std::vector<HWND> TabRound() const {
+    std::vector<HWND> round{Focus()};
+    do {
+      Press(VK_TAB);
+      EXPECT_TRUE(WaitFor([&] { return Focus() != round.back(); }));
+      round.push_back(Focus());
+    } while (round.back() != round.front() && round.size() < 20);
+    round.pop_back();
+    return round;
+  }
+
+  const TestWindow window_{CreateProgramWindow};
+};
+
+TEST_F(Keyboard, TabGoesRoundWhatTakesInput) {
+  const auto& components = window_.Components();
+  EXPECT_EQ(TabRound(),
+            (std::vector<HWND>{components.itemsView, components.installButton.Window(),
+                               components.installPathEdit.Window(), components.selectFolderButton.Window()}));
+  window_.Run(ShowInstallPage);
+  const auto& installation = window_.Installation();
+  EXPECT_EQ(TabRound(), (std::vector<HWND>{installation.cancelButton.Window(), installation.logEdit.Window(),
+                                           installation.deleteTmpCheckbox.Window()}));
+}
+
+TEST_F(Keyboard, EnterPressesAButtonAndEscapeNothing) {
+  const BoxRecorder boxes({IDOK});
+  Press(VK_ESCAPE);
+  Press(VK_RETURN);  // on the list
+  Press(VK_TAB);
+  ASSERT_TRUE(WaitFor([this] { return Focus() == window_.Components().installButton.Window(); }));
+  Press(VK_ESCAPE);
+  Press(VK_RETURN);
+  ASSERT_TRUE(WaitFor([&boxes] { return !boxes.Boxes().empty(); }));
+  EXPECT_TRUE(boxes.Boxes().at(0).text.starts_with(L"You have to select"));
+  EXPECT_EQ(app.currentPage, ComponentsPage);
+  EXPECT_FALSE(app.cancelRequested);
+}
+
+// The letters after "&", in lower case; "" for a text without one.
+std::wstring LetterOf(std::wstring text) {
+  for (size_t i = 0; i + 1 < text.size(); ++i) {
+    if (text[i] != L'&') continue;
+    if (text[i + 1] != L'&') return CharLowerW(text.data() + i + 1), text.substr(i + 1, 1);
+    ++i;
+  }
+  return {};
+}
+
+void ExpectLettersOfTheirOwn(const std::vector<std::wstring>& texts) {
+  std::set<std::wstring> letters;
+  for (const std::wstring& text : texts) {
+    EXPECT_NE(LetterOf(text), L"") << testing::PrintToString(text);
+    EXPECT_TRUE(letters.insert(LetterOf(text)).second) << testing::PrintToString(texts);
+  }
+}
+
+std::vector<std::wstring> TextsOf(HMENU menu) {
+  std::vector<std::wstring> texts;
+  for (int place = 0; place < GetMenuItemCount(menu); ++place) {
+    wchar_t text[100] = L"";
+    if (GetMenuStringW(menu, static_cast<UINT>(place), text, 100, MF_BYPOSITION)) texts.push_back(text);
+  }
+  return texts;
+}
+
+TEST_F(Keyboard, LettersNeverCollideInAnyLanguage) {
+  for (const Page page : {ComponentsPage, InstallPage}) {
+    for (const auto& [language, name] : UiLanguages()) {
+      window_.Run([page, language = language] {
+        SetUiLanguage(language);
+        page == InstallPage ? ShowInstallPage() : ShowComponentsPage();
+        SetUiLanguage(language);
+      });
+      const HMENU menu = GetMenu(window_.Window());
+      for (const int popup : {0, 2}) ExpectLettersOfTheirOwn(TextsOf(GetSubMenu(menu, popup)));
+      ExpectLettersOfTheirOwn(TextsOf(GetSubMenu(GetSubMenu(menu, 0), 0)));
+      std::vector<std::wstring> together = TextsOf(menu);
+      if (page == ComponentsPage) {
+        together.push_back(TextOf(window_.Components().selectFolderButton));
+        together.push_back(TextOf(window_.Components().installButton));
+      } else {
+        together.push_back(TextOf(window_.Installation().deleteTmpCheckbox));
+        together.push_back(TextOf(window_.Installation().cancelButton));
+        window_.Run([&together] { together.push_back(LoadMarkedString(STR_EXIT)); });
+      }
+      ExpectLettersOfTheirOwn(together);
+    }
+  }
+}
+
+// What is shown first, of 12 or so lines.
+LRESULT TopLine(HWND log) { return SendMessageW(log, EM_GETFIRSTVISIBLELINE, 0, 0); }
+
+TEST_F(Keyboard, TheLogCanBeReadButNotChanged) {
+  window_.Run(ShowInstallPage);
+  const HWND log = window_.Installation().logEdit.Window();
+  for (int i = 0; i < 40; ++i) AppendLog(L"line " + std::to_wstring(i));
+  const LRESULT end = TopLine(log);
+  EXPECT_GT(end, 20) << "it follows its end";
+  const std::wstring text = TextOf(log);
+  SendMessageW(log, EM_SETSEL, 0, 4);
+  for (const UINT message : {UINT{WM_CUT}, UINT{WM_CLEAR}, UINT{WM_PASTE}, UINT{WM_UNDO}, UINT{EM_UNDO}}) {
+    SendMessageW(log, message, 0, 0);
+  }
+  for (const WPARAM key : {VK_DELETE, VK_BACK}) SendMessageW(log, WM_KEYDOWN, key, 1);
+  SendMessageW(log, WM_CHAR, L'x', 1);
+  EXPECT_EQ(TextOf(log), text);
+
+  SendMessageW(log, WM_KEYDOWN, VK_HOME, 1);
+  EXPECT_EQ(TopLine(log), 0);
+  SendMessageW(log, WM_KEYDOWN, VK_DOWN, 1);
+  AppendLog(L"more");
+  EXPECT_EQ(TopLine(log), 1) << "what the user reads stays";
+  DWORD from = 0, to = 0;
+  SendMessageW(log, EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
+  EXPECT_EQ(to - from, 4u) << "so does what he has selected";
+  SendMessageW(log, WM_KEYDOWN, VK_END, 1);
+  AppendLog(L"and more");
+  EXPECT_GT(TopLine(log), end + 1);
+}
+
+}  // namespace
