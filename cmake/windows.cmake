@@ -84,7 +84,12 @@ target_link_libraries(drive_installer PRIVATE test_support)
 
 add_executable(bench ${CMAKE_SOURCE_DIR}/tools/bench/bench.cpp)
 set_project_options(bench)
-target_link_libraries(bench PRIVATE test_support psapi)
+target_link_libraries(bench PRIVATE test_support)
+# What its start is compared with.
+add_executable(bench_empty_window WIN32 ${CMAKE_SOURCE_DIR}/tools/bench/empty_window.cpp $<TARGET_OBJECTS:resources>)
+set_project_options(bench_empty_window)
+target_link_options(bench_empty_window PRIVATE -municode)
+target_link_libraries(bench_empty_window PRIVATE comctl32)
 
 if(ZENDORA_LINT)
   file(GLOB native_tests CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/native/*.cpp)

@@ -13,6 +13,10 @@ namespace {
 
 // How far the thread reads ahead of whoever stores the bytes.
 constexpr size_t kReadAhead = 16 * kHttpChunk;
+// On a fast line the one who stores is woken when so much has come, instead of for each chunk; on a slow one he looks
+// for himself so often.
+constexpr size_t kWorthWaking = kReadAhead / 2;
+constexpr uint64_t kLookMs = 20;
 
 constexpr DWORD kForgivingFlags = INTERNET_FLAG_IGNORE_CERT_CN_INVALID | INTERNET_FLAG_IGNORE_CERT_DATE_INVALID;
 constexpr DWORD kForgivenFaults = SECURITY_FLAG_IGNORE_REVOCATION | SECURITY_FLAG_IGNORE_UNKNOWN_CA |
@@ -139,7 +143,7 @@ struct HttpLine::Exchange {
     while (!abandoned && bytes.size() >= kReadAhead) SleepConditionVariableSRW(&taken, &lock, INFINITE, 0);
     if (abandoned) return false;
     bytes.append(chunk, count);
-    WakeConditionVariable(&brought);
+    if (bytes.size() >= kWorthWaking) WakeConditionVariable(&brought);
     return true;
   }
 
@@ -371,6 +375,7 @@ std::optional<HttpEvent> HttpLine::WaitForMore() {
     }
     if (exchange.finished) return HttpEvent{.kind = HttpEvent::End, .error = exchange.error};
     if (now >= deadline) return HttpEvent{.kind = HttpEvent::End, .error = ERROR_INTERNET_TIMEOUT};
-    SleepConditionVariableSRW(&exchange.brought, &exchange.lock, static_cast<DWORD>(deadline - now), 0);
+    SleepConditionVariableSRW(&exchange.brought, &exchange.lock, static_cast<DWORD>(std::min(deadline - now, kLookMs)),
+                              0);
   }
 }

@@ -1,53 +1,56 @@
-// One measurement a call, for bench.sh, which makes what is measured and puts the figures side by side. Prints
-// numbers: seconds, or for memory mebibytes.
-//   bench download URL FILE        the program's client, then a bare WinINet loop with the same chunk
-//   bench hash FILE                the program's MD5
-//   bench extract ARCHIVE FOLDER   the program's extraction, then a bare loop over the same zip library
-//   bench fill PROGRAM             from the program's start until its list is filled
-//   bench memory PROGRAM PACKAGE   the program's peak while it installs one package
+// One measurement a call, for bench.sh, which makes what is measured and puts the figures side by side. Prints numbers:
+// seconds, for the answers of a window milliseconds (95 of 100 came sooner).
+//   bench start PROGRAM ROWS       from the start until the window is shown and its list has so many rows
+//   bench install PROGRAM          from the click on Install: download, hash, placing; answers
+//   bench setup PROGRAM            another installer that asks nothing: until its window is shown, until it has ended;
+//                                  answers
+//   bench download URL FILE        a bare WinINet loop with the program's chunk
+//   bench extract ARCHIVE FOLDER   a bare loop over the program's zip library
 #include <windows.h>
 // These need windows.h before them.
 #include <commctrl.h>
-#include <psapi.h>
 #include <shellapi.h>
 #include <unzip.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "core/context.h"
 #include "install/package_texts.h"
-#include "install/zip_extraction.h"
 #include "net/crack_url.h"
-#include "net/file_hash.h"
 #include "net/http_client.h"
 #include "support/installer_window.h"
 #include "system/files.h"
 #include "system/handles.h"
 #include "system/path_names.h"
 #include "system/text.h"
-#include "ui/page_controls.h"
 
 #include <iowin32.h>  // after unzip.h, whose types it uses
 
 namespace {
 
 constexpr size_t kChunkSize = 4096;
+constexpr DWORD kGlanceMs = 15;  // between two looks at a window
+constexpr uint64_t kPatienceMs = 20 * 60 * 1000;
 
 [[noreturn]] void GiveUp(const char* what) {
   std::fprintf(stderr, "%s failed (error %lu)\n", what, GetLastError());
   std::exit(1);
 }
 
-double SecondsOf(const std::function<void()>& work) {
-  LARGE_INTEGER frequency, start, end;
+double Now() {
+  LARGE_INTEGER frequency, counter;
   QueryPerformanceFrequency(&frequency);
-  QueryPerformanceCounter(&start);
+  QueryPerformanceCounter(&counter);
+  return static_cast<double>(counter.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+double SecondsOf(const std::function<void()>& work) {
+  const double start = Now();
   work();
-  QueryPerformanceCounter(&end);
-  return static_cast<double>(end.QuadPart - start.QuadPart) / static_cast<double>(frequency.QuadPart);
+  return Now() - start;
 }
 
 FileHandle CreateNewFile(const std::wstring& path) {
@@ -57,7 +60,7 @@ FileHandle CreateNewFile(const std::wstring& path) {
   return file;
 }
 
-// --- Download
+// --- The bare loops
 
 void DownloadBare(const std::wstring& url, const std::wstring& path) {
   const ParsedUrl target = CrackUrl(url);
@@ -65,7 +68,8 @@ void DownloadBare(const std::wstring& url, const std::wstring& path) {
   const InternetHandle connection(WinInet().InternetConnect(
       session.Get(), target.host.c_str(), PortOfScheme(target.scheme), L"", L"", INTERNET_SERVICE_HTTP, 0, 0));
   const InternetHandle request(WinInet().HttpOpenRequest(connection.Get(), L"GET", target.path.c_str(), nullptr,
-                                                         nullptr, nullptr, INTERNET_FLAG_RELOAD, 0));
+                                                         nullptr, nullptr,
+                                                         INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE, 0));
   if (!WinInet().HttpSendRequest(request.Get(), nullptr, 0, nullptr, 0)) GiveUp("sending a request");
   const FileHandle file = CreateNewFile(path);
   char chunk[kChunkSize];
@@ -74,20 +78,6 @@ void DownloadBare(const std::wstring& url, const std::wstring& path) {
     WriteFile(file.Get(), chunk, size, &written, nullptr);
   }
 }
-
-void IgnoreProgress(DownloadProgress*) {}
-
-void MeasureDownload(const std::wstring& url, const std::wstring& path) {
-  HttpClient client(L"bench");
-  client.SetGzipEnabled(false);
-  const double program = SecondsOf([&] {
-    if (client.DownloadToFile(url, path, 0, IgnoreProgress).received == 0) GiveUp("the download");
-  });
-  const double bare = SecondsOf([&] { DownloadBare(url, path); });
-  std::printf("%f %f\n", program, bare);
-}
-
-// --- Extraction
 
 void ExtractBare(const std::wstring& archivePath, const std::wstring& folder) {
   zlib_filefunc64_def functions;
@@ -113,61 +103,143 @@ void ExtractBare(const std::wstring& archivePath, const std::wstring& folder) {
   unzClose(archive);
 }
 
-void MeasureExtraction(const std::wstring& archive, const std::wstring& folder) {
-  InitCommonControls();
-  app.mainWindow = CreateWindowExW(0, L"Static", L"", WS_POPUP, 0, 0, 600, 480, nullptr, nullptr, nullptr, nullptr);
-  app.installPage = new InstallPageControls(app.mainWindow);
-  RunState run;
-  run.tmpPath = ParentFolder(archive);
-  Package package;
-  package.filename = WideToUtf8(LastComponent(archive));
-  const double program = SecondsOf([&] {
-    if (!ExtractZip(run, package, folder + L"\\program").ok) GiveUp("the extraction");
-  });
-  const double bare = SecondsOf([&] { ExtractBare(archive, folder + L"\\bare"); });
-  std::printf("%f %f\n", program, bare);
-}
+// --- Programs with a window
 
-// --- The whole program
-
-PROCESS_INFORMATION StartProgram(const std::wstring& program, std::wstring arguments) {
+KernelHandle StartProgram(const std::wstring& program, DWORD& id) {
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process = {};
-  arguments.insert(0, L" ");
-  if (!CreateProcessW(program.c_str(), arguments.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+  std::wstring commandLine = L"\"" + program + L"\"";
+  if (!CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                       &process)) {
     GiveUp("starting the program");
   }
   CloseHandle(process.hThread);
-  return process;
+  id = process.dwProcessId;
+  return KernelHandle(process.hProcess);
 }
 
-void Close(const PROCESS_INFORMATION& process) {
-  PostMessageW(FindInstallerWindow(process.dwProcessId), WM_CLOSE, 0, 0);
-  WaitForSingleObject(process.hProcess, INFINITE);
-  CloseHandle(process.hProcess);
+// How long a window takes to answer.
+class Answers {
+ public:
+  void Ask(HWND window) {
+    DWORD_PTR result = 0;
+    const double seconds = SecondsOf([&] { SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 5000, &result); });
+    milliseconds_.push_back(seconds * 1000);
+  }
+  double SlowOnes() {
+    if (milliseconds_.empty()) return 0;
+    const auto place = milliseconds_.begin() + static_cast<ptrdiff_t>(milliseconds_.size() * 95 / 100);
+    std::nth_element(milliseconds_.begin(), place, milliseconds_.end());
+    return *place;
+  }
+
+ private:
+  std::vector<double> milliseconds_;
+};
+
+void AwaitList(DWORD process, int rows) {
+  const auto isFilled = [&] {
+    const HWND window = FindInstallerWindow(process);
+    return IsWindowVisible(window) && IsWindowEnabled(BottomButton(window)) &&
+           SendMessageW(ComponentList(window), LVM_GETITEMCOUNT, 0, 0) >= rows;
+  };
+  if (!WaitUntil(isFilled, std::chrono::minutes(2))) GiveUp("filling the list");
 }
 
-void MeasureFilling(const std::wstring& program) {
-  PROCESS_INFORMATION process = {};
+void Close(DWORD process, const KernelHandle& handle) {
+  PostMessageW(FindInstallerWindow(process), WM_CLOSE, 0, 0);
+  WaitForSingleObject(handle.Get(), INFINITE);
+}
+
+void MeasureStart(const std::wstring& program, int rows) {
+  DWORD process = 0;
+  KernelHandle handle;
   const double seconds = SecondsOf([&] {
-    process = StartProgram(program, L"");
-    const auto isFilled = [&] { return IsWindowEnabled(BottomButton(FindInstallerWindow(process.dwProcessId))) != 0; };
-    if (!WaitUntil(isFilled, std::chrono::minutes(2))) GiveUp("filling the list");
+    handle = StartProgram(program, process);
+    AwaitList(process, rows);
   });
-  Close(process);
+  Close(process, handle);
   std::printf("%f\n", seconds);
 }
 
-void MeasureMemory(const std::wstring& program, const std::wstring& package) {
-  const PROCESS_INFORMATION process = StartProgram(program, L"install:" + package);
-  const auto hasEnded = [&] { return LogHas(FindInstallerWindow(process.dwProcessId), L"Installation finished"); };
-  if (!WaitUntil(hasEnded, std::chrono::minutes(10))) GiveUp("the installation");
-  PROCESS_MEMORY_COUNTERS memory = {};
-  if (!GetProcessMemoryInfo(process.hProcess, &memory, sizeof memory)) GiveUp("asking for the memory");
-  Close(process);
-  std::printf("%f\n", static_cast<double>(memory.PeakWorkingSetSize) / (1024 * 1024));
+// What the installation page shows, read from another process without disturbing it much.
+class InstallationWatch {
+ public:
+  explicit InstallationWatch(HWND window) : window_(window) {
+    const auto isComplete = [&] {
+      package_ = ChildAt(window, WC_STATICW, 10, 10);
+      packageDetail_ = ChildAt(window, WC_STATICW, 10, 54);
+      total_ = ChildAt(window, WC_STATICW, 10, 79);
+      return package_ && packageDetail_ && total_ && PageOf(window) == InstallPage;
+    };
+    if (!WaitUntil(isComplete)) GiveUp("showing the installation page");
+  }
+  // The moment at which a condition holds for the first time. Meanwhile the window has to answer.
+  double Await(const std::function<bool()>& condition) {
+    const uint64_t deadline = GetTickCount64() + kPatienceMs;
+    while (!condition()) {
+      if (GetTickCount64() > deadline) GiveUp("the installation");
+      answers_.Ask(window_);
+      Sleep(kGlanceMs);
+    }
+    return Now();
+  }
+  bool IsHashing() const { return ShownText(packageDetail_).starts_with(L"Checking downloaded file") || IsPlacing(); }
+  bool IsPlacing() const { return ShownText(package_) == L"Download completed"; }
+  bool IsOver() const { return ShownText(total_) == L"Installation finished"; }
+  double SlowAnswers() { return answers_.SlowOnes(); }
+
+ private:
+  HWND window_, package_, packageDetail_, total_;
+  Answers answers_;
+};
+
+void MeasureInstallation(const std::wstring& program) {
+  DWORD process = 0;
+  const KernelHandle handle = StartProgram(program, process);
+  AwaitList(process, 1);
+  const HWND window = FindInstallerWindow(process);
+  const double click = Now();
+  Press(BottomButton(window));
+  InstallationWatch watch(window);
+  const double hashing = watch.Await([&] { return watch.IsHashing(); });
+  const double placing = watch.Await([&] { return watch.IsPlacing(); });
+  const double end = watch.Await([&] { return watch.IsOver(); });
+  Close(process, handle);
+  std::printf("%f %f %f %f\n", hashing - click, placing - hashing, end - placing, watch.SlowAnswers());
+}
+
+struct WindowSearch {
+  DWORD process;
+  HWND found;
+};
+
+BOOL CALLBACK LookAt(HWND window, LPARAM parameter) {
+  auto& search = *reinterpret_cast<WindowSearch*>(parameter);
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  if (process == search.process && IsWindowVisible(window)) search.found = window;
+  return !search.found;
+}
+
+HWND FindAnyWindow(DWORD process) {
+  WindowSearch search{process, nullptr};
+  EnumWindows(LookAt, reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+void MeasureSetup(const std::wstring& program) {
+  DWORD process = 0;
+  HWND window = nullptr;
+  const double start = Now();
+  const KernelHandle handle = StartProgram(program, process);
+  const auto isShown = [&] { return (window = FindAnyWindow(process)) != nullptr; };
+  if (!WaitUntil(isShown, std::chrono::minutes(2))) GiveUp("waiting for the window");
+  const double shown = Now();
+  Answers answers;
+  while (WaitForSingleObject(handle.Get(), kGlanceMs) == WAIT_TIMEOUT) answers.Ask(window);
+  std::printf("%f %f %f\n", shown - start, Now() - shown, answers.SlowOnes());
 }
 
 }  // namespace
@@ -179,19 +251,16 @@ int main() {
   const auto is = [&](const wchar_t* name, size_t more) {
     return arguments.size() == more + 1 && arguments[0] == name;
   };
-  app.instance = GetModuleHandleW(nullptr);
-  if (is(L"download", 2)) {
-    MeasureDownload(arguments[1], arguments[2]);
-  } else if (is(L"hash", 1)) {
-    std::printf("%f\n", SecondsOf([&] {
-                  if (ComputeFileMd5(arguments[1], nullptr).empty()) GiveUp("the hash");
-                }));
+  if (is(L"start", 2)) {
+    MeasureStart(arguments[1], std::stoi(arguments[2]));
+  } else if (is(L"install", 1)) {
+    MeasureInstallation(arguments[1]);
+  } else if (is(L"setup", 1)) {
+    MeasureSetup(arguments[1]);
+  } else if (is(L"download", 2)) {
+    std::printf("%f\n", SecondsOf([&] { DownloadBare(arguments[1], arguments[2]); }));
   } else if (is(L"extract", 2)) {
-    MeasureExtraction(arguments[1], arguments[2]);
-  } else if (is(L"fill", 1)) {
-    MeasureFilling(arguments[1]);
-  } else if (is(L"memory", 2)) {
-    MeasureMemory(arguments[1], arguments[2]);
+    std::printf("%f\n", SecondsOf([&] { ExtractBare(arguments[1], arguments[2]); }));
   } else {
     std::fputs("see the beginning of bench.cpp\n", stderr);
     return 2;
