@@ -108,11 +108,13 @@ uint32_t TakeHead(const HttpHead& head, uint64_t rangeStart, HttpResult& result)
   return CanFollow(head, rangeStart) ? ERROR_SUCCESS : uint32_t{ERROR_HTTP_INVALID_SERVER_RESPONSE};
 }
 
-// What a body that is over tells. A server or proxy that closes the connection looks like a regular end; the length
-// before decoding would prove nothing, because a tiny body grows by being compressed.
+// Decides whether a body that is over is complete. A server or proxy that closes the connection looks like a regular
+// end, and a connection that breaks behind the last byte has taken nothing away. The length before decoding would prove
+// nothing, because a tiny body grows by being compressed.
 void Conclude(const HttpHead& head, uint64_t bodyBytes, uint64_t offset, HttpResult& result) {
   if (result.cancelled || !head.length) return;
   result.cutShort = bodyBytes < *head.length;
+  if (!result.cutShort && result.error != kErrorDecodingFailed) result.error = ERROR_SUCCESS;
   if (result.error == ERROR_SUCCESS && offset + bodyBytes < *head.length) {
     result.error = ERROR_INTERNET_CONNECTION_ABORTED;
   }

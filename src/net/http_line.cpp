@@ -255,8 +255,6 @@ HINTERNET OpenRequest(Exchange& exchange) {
 
 // Reads to the end of the body. Returns 0 or the error; nothing more is wanted when the line was abandoned.
 uint32_t ReadBody(HINTERNET request, Exchange& exchange) {
-  const auto length = ContentLength(request);
-  uint64_t received = 0;
   char chunk[kHttpChunk];
   for (;;) {
     DWORD count = 0;
@@ -265,13 +263,8 @@ uint32_t ReadBody(HINTERNET request, Exchange& exchange) {
     const BOOL done = WinInet().InternetReadFile(request, chunk, sizeof chunk, &count);
     const DWORD error = GetLastError();
     if (!exchange.LeaveCall()) return ERROR_SUCCESS;
-    if (!done) {
-      // A connection that breaks behind the last byte has taken nothing away.
-      const bool complete = error != kErrorDecodingFailed && length && received >= *length;
-      return complete ? ERROR_SUCCESS : error;
-    }
+    if (!done) return error;
     if (count == 0) return error == kErrorDecodingFailed ? error : ERROR_SUCCESS;
-    received += count;
     if (!exchange.BringBytes(chunk, count)) return ERROR_SUCCESS;
   }
 }
