@@ -35,7 +35,7 @@ struct SiteCheck {
 };
 
 // Sends the request unless the host is known to be silent. False when there is no answer, which is then told.
-bool Ask(SiteCheck& check, const HttpRequest& request, const Reporter& report, int line, HttpAnswer& answer) {
+bool Ask(SiteCheck& check, const ProbeRequest& request, const Reporter& report, int line, ProbeAnswer& answer) {
   const std::string host = HostOf(request.url);
   if (check.silentHosts.contains(host)) return false;
   answer = check.probe.Get(request, check.options.progress);
@@ -48,11 +48,11 @@ bool Ask(SiteCheck& check, const HttpRequest& request, const Reporter& report, i
   return false;
 }
 
-bool IsRedirectToHttp(const HttpRequest& request, const HttpAnswer& answer) {
+bool IsRedirectToHttp(const ProbeRequest& request, const ProbeAnswer& answer) {
   return request.url.starts_with("https:") && answer.finalUrl.starts_with("http:");
 }
 
-void CheckRedirect(const HttpRequest& request, const HttpAnswer& answer, const Reporter& report, int line) {
+void CheckRedirect(const ProbeRequest& request, const ProbeAnswer& answer, const Reporter& report, int line) {
   if (answer.finalUrl == request.url || answer.finalUrl.empty()) return;
   if (IsRedirectToHttp(request, answer)) {
     report.Error(line, request.url + " redirects from https to http, which the installer doesn't follow");
@@ -61,7 +61,7 @@ void CheckRedirect(const HttpRequest& request, const HttpAnswer& answer, const R
   }
 }
 
-void CheckCertificate(const HttpAnswer& answer, const std::string& site, const Reporter& report, int line) {
+void CheckCertificate(const ProbeAnswer& answer, const std::string& site, const Reporter& report, int line) {
   if (!answer.certificateFault.empty())
     report.Error(line, site + ": the certificate isn't trusted: " + answer.certificateFault);
   if (!answer.certificateEnds) return;
@@ -77,8 +77,8 @@ void CheckCertificate(const HttpAnswer& answer, const std::string& site, const R
 // Where https fails, the installer asks once more with http.
 void CheckOtherPort(SiteCheck& check, const std::string& httpsUrl, int line) {
   const Reporter report = check.Report("site-http");
-  HttpRequest request{.url = "http" + httpsUrl.substr(5), .followRedirects = false};
-  const HttpAnswer answer = check.probe.Get(request, {});
+  ProbeRequest request{.url = "http" + httpsUrl.substr(5), .followRedirects = false};
+  const ProbeAnswer answer = check.probe.Get(request, {});
   if (!answer.failure.empty()) {
     report.Warning(line, request.url + ": " + answer.failure + "; the installer asks there when https fails");
   } else if (answer.status != 200) {
@@ -88,7 +88,7 @@ void CheckOtherPort(SiteCheck& check, const std::string& httpsUrl, int line) {
 }
 
 // What is true of a whole host is looked at once.
-void CheckHostOnce(SiteCheck& check, const std::string& url, const HttpAnswer& answer, int line) {
+void CheckHostOnce(SiteCheck& check, const std::string& url, const ProbeAnswer& answer, int line) {
   const std::string site = SiteOf(url);
   if (!site.starts_with("https:") || !check.seenSites.insert(site).second) return;
   CheckCertificate(answer, site, check.Report("site-certificate"), line);
@@ -97,8 +97,8 @@ void CheckHostOnce(SiteCheck& check, const std::string& url, const HttpAnswer& a
 
 void CheckWhole(SiteCheck& check, const Download& download) {
   const Reporter report = check.Report("site-file", download.subject);
-  const HttpRequest request{.url = download.url, .body = check.options.download ? Body::Hash : Body::Drop};
-  HttpAnswer answer;
+  const ProbeRequest request{.url = download.url, .body = check.options.download ? Body::Hash : Body::Drop};
+  ProbeAnswer answer;
   if (!Ask(check, request, report, download.line, answer)) return;
   CheckHostOnce(check, download.url, answer, download.line);
   CheckRedirect(request, answer, check.Report("site-redirect", download.subject), download.line);
@@ -122,7 +122,7 @@ void CheckWhole(SiteCheck& check, const Download& download) {
 
 void CheckRanges(SiteCheck& check, const Download& download) {
   const Reporter report = check.Report("site-range", download.subject);
-  HttpAnswer answer;
+  ProbeAnswer answer;
   if (download.size < 2) return;
   if (!Ask(check, {.url = download.url, .range = "1-"}, report, download.line, answer)) return;
   if (answer.status >= 400) return;  // told of the whole file already
@@ -178,7 +178,7 @@ bool IsBase(const std::string& site) {
   return path == std::string::npos || path + 1 == site.size();
 }
 
-void CheckCaching(const HttpAnswer& answer, const std::string& url, const Reporter& report) {
+void CheckCaching(const ProbeAnswer& answer, const std::string& url, const Reporter& report) {
   const std::string control = LowerAscii(answer.Header("cache-control"));
   const size_t age = control.find("max-age=");
   const bool kept = age != std::string::npos && control.substr(age + 8, 1) != "0";
@@ -190,8 +190,8 @@ void CheckCaching(const HttpAnswer& answer, const std::string& url, const Report
 
 void CheckManifestAddress(SiteCheck& check, const std::string& url) {
   const Reporter report = check.Report("site-manifest");
-  const HttpRequest request{.url = url, .body = Body::Keep};
-  HttpAnswer answer;
+  const ProbeRequest request{.url = url, .body = Body::Keep};
+  ProbeAnswer answer;
   if (!Ask(check, request, report, 0, answer)) return;
   CheckHostOnce(check, url, answer, 0);
   CheckRedirect(request, answer, check.Report("site-redirect"), 0);
@@ -208,7 +208,7 @@ void CheckManifestAddress(SiteCheck& check, const std::string& url) {
 
 void CheckHelpPage(SiteCheck& check, const std::string& url) {
   const Reporter report = check.Report("site-page");
-  HttpAnswer answer;
+  ProbeAnswer answer;
   if (!Ask(check, {.url = url}, report, 0, answer) || answer.status == 200) return;
   report.Error(
       0, url + " answers " + std::to_string(answer.status) + "; it is where players are sent for the latest version");

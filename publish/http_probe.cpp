@@ -14,9 +14,9 @@ constexpr size_t kLargestKept = 16 << 20;
 
 // One request on its way.
 struct Exchange {
-  const HttpRequest& request;
+  const ProbeRequest& request;
   const Progress& progress;
-  HttpAnswer answer = {};
+  ProbeAnswer answer = {};
   Md5 md5 = {};
 };
 
@@ -40,7 +40,7 @@ size_t OnHeader(char* bytes, size_t, size_t count, void* context) {
 
 size_t OnBody(char* bytes, size_t, size_t count, void* context) {
   auto& exchange = *static_cast<Exchange*>(context);
-  HttpAnswer& answer = exchange.answer;
+  ProbeAnswer& answer = exchange.answer;
   if (exchange.request.body == Body::Drop) return 0;
   answer.received += count;
   if (exchange.request.body == Body::Hash) {
@@ -76,7 +76,7 @@ std::optional<std::time_t> CertificateEnd(CURL* curl) {
   return {};
 }
 
-void ReadFacts(CURL* curl, HttpAnswer& answer) {
+void ReadFacts(CURL* curl, ProbeAnswer& answer) {
   curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &answer.status);
   const char* url = nullptr;
   curl_easy_getinfo(curl, CURLINFO_EFFECTIVE_URL, &url);
@@ -100,7 +100,7 @@ struct HttpProbe::State {
 
 void HttpProbe::State::SetUp(Exchange& exchange, bool verify) {
   CURL* const handle = curl.get();
-  const HttpRequest& request = exchange.request;
+  const ProbeRequest& request = exchange.request;
   curl_easy_reset(handle);
   curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, error);
   curl_easy_setopt(handle, CURLOPT_URL, request.url.c_str());
@@ -136,9 +136,9 @@ HttpProbe::HttpProbe(std::string caFile) : state_(std::make_unique<State>()) { s
 
 HttpProbe::~HttpProbe() = default;
 
-HttpAnswer HttpProbe::Get(const HttpRequest& request, const Progress& progress) {
+ProbeAnswer HttpProbe::Get(const ProbeRequest& request, const Progress& progress) {
   Exchange exchange{request, progress};
-  HttpAnswer& answer = exchange.answer;
+  ProbeAnswer& answer = exchange.answer;
   const auto reason = [&](CURLcode code) {
     return std::string(state_->error[0] ? state_->error : curl_easy_strerror(code));
   };

@@ -13,14 +13,14 @@
 // What becomes of a body: it is cut off where it begins, kept, or read to its end for its MD5.
 enum class Body { Drop, Keep, Hash };
 
-struct HttpRequest {
+struct ProbeRequest {
   std::string url;
   std::string range = {};  // "1-": from the second byte on; empty: everything
   Body body = Body::Drop;
   bool followRedirects = true;
 };
 
-struct HttpAnswer {
+struct ProbeAnswer {
   std::string failure;                         // why there was no answer; empty when there was one
   bool unreachable = false;                    // the failure is the host's: no name, no connection, no word
   std::string certificateFault;                // why the certificate isn't trusted; the request then went on without
@@ -46,7 +46,7 @@ class HttpProbe {
   explicit HttpProbe(std::string caFile);
   ~HttpProbe();
 
-  HttpAnswer Get(const HttpRequest& request, const Progress& progress);
+  ProbeAnswer Get(const ProbeRequest& request, const Progress& progress);
 
  private:
   struct State;
