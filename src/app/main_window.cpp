@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include <optional>
 #include <string>
 
 #include "app/commands.h"
@@ -157,7 +158,63 @@ void OnSettingChange(LPARAM lParam) {
   if (const InstallPageControls* page = app.installPage) ThemeUnstyledControl(page->deleteTmpCheckbox.Window());
 }
 
+// What other threads ask for (core/window_messages.h). True for their messages.
+bool AnswerThreads(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case kFillComponentListMessage:
+      PopulateComponentList();
+      return true;
+    case kSpeedTimerMessage:
+      OnSpeedTimerRequest(wParam != FALSE);
+      return true;
+    case kShowNotesMessage:
+      pageNotes.OnMessage(window, wParam);
+      return true;
+    case kTaskbarMessage:
+      OnTaskbarMessage(window, wParam, lParam);
+      return true;
+    default:
+      return false;
+  }
+}
+
+// The messages that concern the window's looks. Nothing where the system is to answer.
+std::optional<LRESULT> AnswerAppearance(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_ERASEBKGND:
+      EraseBackground(window, reinterpret_cast<HDC>(wParam));
+      return 1;
+    case WM_SETTINGCHANGE:
+      OnSettingChange(lParam);
+      return 0;
+    case kScaleChangedMessage:
+      OnScaleChanged(window, LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+      return 0;
+    case kScaledSizeMessage:
+      *reinterpret_cast<SIZE*>(lParam) = MainWindowSizeAt(static_cast<int>(wParam));
+      return TRUE;
+    case WM_NCPAINT:
+    case WM_NCACTIVATE:
+      return OnFramePaint(window, message, wParam, lParam);
+    case kDrawMenuBarMessage:
+    case kDrawMenuBarItemMessage:
+      return DrawMenuBarPart(window, message, lParam) ? std::optional<LRESULT>(TRUE) : std::nullopt;
+    case WM_CTLCOLOREDIT:
+    case WM_CTLCOLORBTN:
+    case WM_CTLCOLORDLG:
+    case WM_CTLCOLORSTATIC:
+      return OnControlColors(message, reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+    case WM_THEMECHANGED:
+      ForgetMenuTheme();
+      return 0;
+    default:
+      return std::nullopt;
+  }
+}
+
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (AnswerThreads(window, message, wParam, lParam)) return 0;
+  if (const auto answer = AnswerAppearance(window, message, wParam, lParam)) return *answer;
   switch (message) {
     case WM_NCCREATE:
       app.mainWindow = window;  // from the first message on
@@ -166,6 +223,10 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_DESTROY:
       OnDestroy();
       return 0;
+    case WM_ENABLE:
+      // The end of any dialog or box enables its owner, but an update that has begun meanwhile needs it disabled.
+      if (wParam && app.lockedByUpdate) EnableWindow(window, FALSE);
+      break;
     case WM_CLOSE:
       if (!OnCloseRequest()) return 0;
       break;
@@ -178,26 +239,8 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_SETFOCUS:
       FocusPage();
       return 0;
-    case WM_ERASEBKGND:
-      EraseBackground(window, reinterpret_cast<HDC>(wParam));
-      return 1;
     case WM_ENDSESSION:
       if (wParam) OnEndSession(lParam);
-      return 0;
-    case WM_SETTINGCHANGE:
-      OnSettingChange(lParam);
-      return 0;
-    case kFillComponentListMessage:
-      PopulateComponentList();
-      return 0;
-    case kSpeedTimerMessage:
-      OnSpeedTimerRequest(wParam != FALSE);
-      return 0;
-    case kShowNotesMessage:
-      pageNotes.OnMessage(window, wParam);
-      return 0;
-    case kTaskbarMessage:
-      OnTaskbarMessage(window, wParam, lParam);
       return 0;
     case WM_COPYDATA:
       OnForwardedCommandLine(wParam, *reinterpret_cast<const COPYDATASTRUCT*>(lParam));
@@ -206,27 +249,6 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       return OnNotify(lParam);
     case WM_COMMAND:
       return OnCommand(window, wParam, lParam);
-    case kScaleChangedMessage:
-      OnScaleChanged(window, LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
-      return 0;
-    case kScaledSizeMessage:
-      *reinterpret_cast<SIZE*>(lParam) = MainWindowSizeAt(static_cast<int>(wParam));
-      return TRUE;
-    case WM_NCPAINT:
-    case WM_NCACTIVATE:
-      return OnFramePaint(window, message, wParam, lParam);
-    case kDrawMenuBarMessage:
-    case kDrawMenuBarItemMessage:
-      if (DrawMenuBarPart(window, message, lParam)) return TRUE;
-      break;
-    case WM_CTLCOLOREDIT:
-    case WM_CTLCOLORBTN:
-    case WM_CTLCOLORDLG:
-    case WM_CTLCOLORSTATIC:
-      return OnControlColors(message, reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
-    case WM_THEMECHANGED:
-      ForgetMenuTheme();
-      return 0;
     default:
       break;
   }

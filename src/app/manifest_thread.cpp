@@ -21,6 +21,7 @@ bool FetchPersistently() {
   Retries retries{RetryRules{}};
   ManifestFetch fetch = FetchManifest();
   if (fetch.ok) return true;
+  if (app.cancelRequested) return false;
   ShowManifestError(fetch.result.error);
   if (!retries.AnotherAfter(fetch.result, 0)) return false;
   do {

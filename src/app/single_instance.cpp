@@ -31,7 +31,9 @@ void ForwardCommandLine(HWND window, const std::wstring& commandLine) {
   wchar_t buffer[kForwardBufferLength] = {};
   commandLine.copy(buffer, kForwardBufferLength - 1);
   COPYDATASTRUCT data = {commandLine.size(), sizeof buffer, buffer};
-  SendMessageW(window, WM_COPYDATA, kCopyDataCommandLine, reinterpret_cast<LPARAM>(&data));
+  constexpr UINT kLimitMs = 5000;  // a window that hangs must not keep this process, too
+  SendMessageTimeoutW(window, WM_COPYDATA, kCopyDataCommandLine, reinterpret_cast<LPARAM>(&data), SMTO_ABORTIFHUNG,
+                      kLimitMs, nullptr);
 }
 
 bool WaitForMutex() {

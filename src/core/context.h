@@ -85,7 +85,8 @@ struct AppContext {
   bool restartDropsCommandLine = false;  // the new process gets restartArgs only
   std::wstring restartArgs;
   PublishingWord<bool> restartRequested;
-  SharedWord<bool> updateInProgress;   // set by the manifest thread, never cleared; read by the UI and manifest threads
+  SharedWord<bool> lockedByUpdate;    // the update has disabled the main window; manifest thread, read by the UI thread
+  SharedWord<bool> updateInProgress;  // set by the manifest thread, never cleared; read by the UI and manifest threads
   SharedWord<bool> selectionFromUser;  // installList came from the checked rows; UI thread, read by the worker
   // Size of the primary screen in pixels, measured when the main window is created.
   int desktopWidth = 0, desktopHeight = 0;

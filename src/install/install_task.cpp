@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "core/context.h"
@@ -9,6 +10,7 @@
 #include "install/package_paths.h"
 #include "install/package_texts.h"
 #include "install/run_display.h"
+#include "install/zip_archive.h"
 #include "net/telemetry_reports.h"
 #include "system/files.h"
 #include "system/handles.h"
@@ -30,11 +32,35 @@ struct InstallerCommand {
   std::wstring program, arguments;
 };
 
+// Whether the archive holds an entry that unpacks to this path below its target.
+bool ArchiveHolds(const std::wstring& archivePath, const std::wstring& path) {
+  ZipArchive archive;
+  if (archive.Open(archivePath) != ERROR_SUCCESS) return false;
+  for (int32_t position = archive.GoToFirstEntry(); position == 0; position = archive.GoToNextEntry()) {
+    ZipEntry entry;
+    if (archive.GetEntryInfo(entry) != 0) continue;
+    if (CompareStringOrdinal(EntryPath(entry.name).c_str(), -1, path.c_str(), -1, TRUE) == CSTR_EQUAL) return true;
+  }
+  return false;
+}
+
+// Whether the file at this path is the package's own. What lay there before has been proven by nobody.
+bool IsFromPackage(const RunState& run, const Package& package, std::wstring path) {
+  std::replace(path.begin(), path.end(), L'/', L'\\');
+  if (package.filetype == kInstallerType) return false;
+  if (package.filetype == kZipType) return ArchiveHolds(PackageFilePath(run, package.filename), path);
+  return path == WidenBytes(package.filename);
+}
+
 InstallerCommand CommandOf(const RunState& run, const Package& package, const std::wstring& target) {
   const std::vector<std::string> pieces = SplitTaskText(package.install);
   InstallerCommand command;
   command.program = PathInTarget(target, pieces[0]);
-  if (!FileExistsNonEmpty(command.program)) command.program = PackageFilePath(run, package.filename);
+  const bool own =
+      FileExistsNonEmpty(command.program) &&
+      IsFromPackage(run, package,
+                    command.program.substr(std::min(command.program.size(), JoinPath(target, L"").size())));
+  if (!own) command.program = PackageFilePath(run, package.filename);
   if (pieces.size() > 1) command.arguments = L" " + WidenBytes(pieces[1]);
   return command;
 }

@@ -20,6 +20,7 @@
 #include "system/handles.h"
 #include "system/path_names.h"
 #include "system/text.h"
+#include "system/threads.h"
 #include "ui/message_boxes.h"
 #include "ui/page_controls.h"
 
@@ -33,10 +34,18 @@ struct SourceOutcome {
   uint32_t error = 0;
 };
 
-// Keeps what is there from being changed. Without it nothing is proven.
-FileHandle HoldFile(const std::wstring& file) {
-  return FileHandle(
-      CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+// Keeps what is there from being changed; without it nothing is proven. Who looks at a file that has just been written,
+// a scanner for instance, soon leaves it again. Returns 0 or the system error.
+uint32_t HoldFile(const std::wstring& file, FileHandle& held) {
+  constexpr int kTries = 20;
+  constexpr uint32_t kPauseMs = 100;
+  for (int i = 1;; ++i) {
+    held.Reset(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
+                           nullptr));
+    const DWORD error = held ? DWORD{ERROR_SUCCESS} : GetLastError();
+    if (error != ERROR_SHARING_VIOLATION || i == kTries) return error;
+    if (!SleepUnlessStopped(kPauseMs, app.cancelRequested.Token())) return error;
+  }
 }
 
 void TakeAsProven(PackageDownload& download, FileHandle held) {
@@ -79,8 +88,9 @@ SourceOutcome ProveDownloadedFile(PackageDownload& download, const std::string& 
     AppendLog(L"Size mismatch (" + std::to_wstring(fileSize) + L")");
     return ReactToMismatch(download, source, result, fileSize, {});
   }
-  FileHandle held = HoldFile(download.file);
-  const std::string hash = held ? HashPackageFile(download.file) : "";
+  FileHandle held;
+  if (const uint32_t error = HoldFile(download.file, held)) return {SourceOutcome::Failed, error};
+  const std::string hash = HashPackageFile(download.file);
   if (app.cancelRequested) return {SourceOutcome::Cancelled};
   if (hash == download.package.md5) {
     AppendLog(L"Hash is ok (" + WidenBytes(hash) + L")");
@@ -95,8 +105,8 @@ SourceOutcome ProveDownloadedFile(PackageDownload& download, const std::string& 
 
 // A package without `md5` is taken as it came.
 SourceOutcome TakeDownloadedFile(PackageDownload& download) {
-  FileHandle held = HoldFile(download.file);
-  if (!held) return {SourceOutcome::Failed, GetLastError()};
+  FileHandle held;
+  if (const uint32_t error = HoldFile(download.file, held)) return {SourceOutcome::Failed, error};
   TakeAsProven(download, std::move(held));
   return {SourceOutcome::Done};
 }
@@ -186,11 +196,6 @@ SourceOutcome TrySources(PackageDownload& download) {
   return outcome;
 }
 
-void WriteStatRecord(const PackageDownload& download) {
-  WriteWholeFile(StatRecordPath(download.file), FormatStatRecord(download.size, download.package.md5),
-                 FILE_ATTRIBUTE_HIDDEN);
-}
-
 // Whether the file that is there was begun for exactly this package.
 bool HasMatchingRecord(const PackageDownload& download) {
   if (download.package.md5.empty() || !PathExists(download.file)) return false;
@@ -202,13 +207,13 @@ bool HasMatchingRecord(const PackageDownload& download) {
 // with it. The record is written before the first one, so that a later run can resume even after a crash.
 void StartOver(PackageDownload& download) {
   download.stale = !DeleteFileW(download.file.c_str()) && PathExists(download.file);
-  if (!download.package.md5.empty() && !download.stale) WriteStatRecord(download);
+  if (!download.stale) WriteStatRecord(download);
 }
 
 // Proves a file that an earlier run has brought whole. False when it isn't right, or when hashing was cancelled.
 bool ProvePresentFile(PackageDownload& download) {
-  FileHandle held = HoldFile(download.file);
-  const std::string hash = held ? HashPackageFile(download.file) : "";
+  FileHandle held;
+  const std::string hash = HoldFile(download.file, held) == ERROR_SUCCESS ? HashPackageFile(download.file) : "";
   if (app.cancelRequested) return false;
   const bool right = hash == download.package.md5;
   AppendLog((right ? L"File exists. Hash is ok (" : L"File exists. Hash mismatch (") + WidenBytes(hash) + L")");

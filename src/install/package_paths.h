@@ -13,7 +13,8 @@ std::wstring PackageFilePath(const RunState& run, const std::string& filename);
 std::wstring StatRecordPath(const std::wstring& packageFilePath);
 
 // The first path of the package that would lead out of the folder it belongs to; nothing when all may be used. Nothing
-// of a package may be done before this has been asked. Its `filename` is looked at too, as a plain file name.
+// of a package may be placed, written to the registry or started before this has been asked. Its `filename` is looked
+// at too, as a plain file name.
 std::optional<std::wstring> FindUnsafePath(const Package& package);
 
 // The folder that the package goes into; empty when there is none. A folder below the installation folder is created;

@@ -17,8 +17,16 @@
 
 namespace {
 
-constexpr char kZipType[] = "application/x-zip-compressed";
-constexpr char kInstallerType[] = "application/x-msdownload";
+DWORD CALLBACK OnCopyProgress(LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, LARGE_INTEGER, DWORD, DWORD, HANDLE, HANDLE,
+                              void*) {
+  return app.cancelRequested ? PROGRESS_CANCEL : PROGRESS_CONTINUE;
+}
+
+// Returns 0 or the system error. A copy that is cancelled leaves nothing.
+uint32_t CopyUnlessCancelled(const std::wstring& source, const std::wstring& copy) {
+  const BOOL copied = CopyFileExW(source.c_str(), copy.c_str(), OnCopyProgress, nullptr, nullptr, 0);
+  return copied ? DWORD{ERROR_SUCCESS} : GetLastError();
+}
 
 PlacementResult CopyToTarget(const RunState& run, const Package& package, const std::wstring& target) {
   if (const uint32_t error = CreateDirectories(target)) {
@@ -27,12 +35,10 @@ PlacementResult CopyToTarget(const RunState& run, const Package& package, const 
   }
   const std::wstring source = PackageFilePath(run, package.filename);
   const std::wstring copy = JoinPath(target, LastComponent(source));
-  if (CopyFileW(source.c_str(), copy.c_str(), FALSE)) return {.ok = true};
-  const DWORD error = GetLastError();
+  uint32_t error = CopyUnlessCancelled(source, copy);
   // What an older installation left may be protected.
-  if (error != ERROR_ACCESS_DENIED || !RemoveProtection(copy)) return {.error = error};
-  if (CopyFileW(source.c_str(), copy.c_str(), FALSE)) return {.ok = true};
-  return {.error = GetLastError()};
+  if (error == ERROR_ACCESS_DENIED && RemoveProtection(copy)) error = CopyUnlessCancelled(source, copy);
+  return {.ok = error == ERROR_SUCCESS, .error = error};
 }
 
 PlacementResult PlaceFiles(RunState& run, const Package& package, const std::wstring& target) {

@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include "core/context.h"
+#include "install/package_paths.h"
+#include "install/package_texts.h"
 #include "install/transfer_status.h"
 #include "net/retry.h"
 #include "system/files.h"
@@ -14,7 +16,10 @@ namespace {
 HttpResult Attempt(PackageDownload& download, const std::wstring& url) {
   const uint64_t start = GetTickCount64();
   HttpResult result = download.run.downloads.DownloadToFile(url, download.file, download.offset, OnDownloadProgress);
-  if (result.received != 0) download.stale = false;
+  if (result.received != 0 && download.stale) {
+    download.stale = false;
+    WriteStatRecord(download);
+  }
   // Whatever ended the transfer, the check of a whole file tells whether it is right.
   const bool whole = result.received != 0 && !download.package.md5.empty() && FileSize(download.file) == download.size;
   if (whole && IsRetryableNetworkError(result.error)) result.error = ERROR_SUCCESS;
@@ -61,13 +66,22 @@ uint64_t ResumeOffset(const PackageDownload& download) {
   return tooLong ? 0 : present;
 }
 
+void WriteStatRecord(const PackageDownload& download) {
+  if (download.package.md5.empty()) return;
+  WriteWholeFile(StatRecordPath(download.file), FormatStatRecord(download.size, download.package.md5),
+                 FILE_ATTRIBUTE_HIDDEN);
+}
+
 HttpResult TransferFromSource(PackageDownload& download, const std::wstring& url) {
-  Retries retries(download.run.retryRules);
-  const HttpResult result = Attempt(download, url);
+  Retries retries(download.run.retryRules, FileSize(download.file));
+  HttpResult result = Attempt(download, url);
   if (result.cancelled || app.cancelRequested) return result;
   if (result.error == ERROR_INTERNET_SECURITY_CHANNEL_ERROR && url.starts_with(L"https")) {
-    return RetryWithoutSecureChannel(download, url);
+    result = RetryWithoutSecureChannel(download, url);
+  } else if (retries.AnotherAfter(result, FileSize(download.file))) {
+    result = RetryThroughOutage(download, url, retries, result);
   }
-  if (!retries.AnotherAfter(result, FileSize(download.file))) return result;
-  return RetryThroughOutage(download, url, retries, result);
+  // Half a file must not pass for one that is over.
+  if (result.cutShort && !result.cancelled) result.error = OutageCode(result);
+  return result;
 }

@@ -21,6 +21,9 @@ struct PackageDownload {
 // Where a transfer that goes on with the present file starts: 0 when the file can't become right by getting longer.
 uint64_t ResumeOffset(const PackageDownload& download);
 
+// Writes the record that lets a later run resume; none for a package without `md5`.
+void WriteStatRecord(const PackageDownload& download);
+
 // Transfers the file from `url`, starting at download.offset. An https address whose secure channel fails is tried once
 // over http; a brief outage, and answers that are cut short, are bridged by retries as run.retryRules tells. The
 // outcome is that of the last attempt; `cancelled` also when the run was cancelled between attempts.

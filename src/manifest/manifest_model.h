@@ -16,6 +16,10 @@ struct RegistryItem {
   std::map<std::string, std::string> values;  // name -> data, written in name order
 };
 
+// Values of `filetype` that mean something: an archive, and an installer program. Any other file is copied.
+inline constexpr char kZipType[] = "application/x-zip-compressed";
+inline constexpr char kInstallerType[] = "application/x-msdownload";
+
 // Narrow texts are the document's bytes.
 struct Package {
   std::wstring title, group;

@@ -95,7 +95,7 @@ bool IsAccepted(const HttpHead& head) {
 // that begins elsewhere, would destroy them.
 bool CanFollow(const HttpHead& head, uint64_t rangeStart) {
   if (head.statusCode == HTTP_STATUS_PARTIAL_CONTENT) return !head.contentStart || *head.contentStart == rangeStart;
-  return !head.length || *head.length >= rangeStart;
+  return head.length ? *head.length >= rangeStart : !head.isPage;
 }
 
 // 0 when a body may be stored.

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cwchar>
-#include <thread>
 #include <utility>
 
 #include "net/error_text.h"
@@ -40,6 +39,10 @@ uint32_t NetworkError(uint32_t error) {
   switch (error) {
     case WSAECONNRESET:
     case WSAECONNABORTED:
+    case WSAENETDOWN:
+    case WSAENETUNREACH:
+    case WSAENETRESET:
+    case WSAEHOSTUNREACH:
       return ERROR_INTERNET_CONNECTION_RESET;
     case WSAETIMEDOUT:
       return ERROR_INTERNET_TIMEOUT;
@@ -105,6 +108,7 @@ HttpHead ReadHead(HINTERNET request) {
   head.length = ContentLength(request);
   head.announced = head.length ? *head.length : CompressedContentLength(request);
   head.contentStart = ContentStart(request);
+  head.isPage = HeaderText(request, HTTP_QUERY_CONTENT_TYPE).value_or(L"").starts_with(L"text/html");
   return head;
 }
 
@@ -125,6 +129,7 @@ struct HttpLine::Exchange {
   uint32_t error = 0;
   bool abandoned = false;
   bool stopped = false;
+  bool calling = false;  // the thread is inside a call on the request, or about to enter it
 
   void BringHead(HttpHead newHead) {
     const Lock guard(lock);
@@ -146,6 +151,19 @@ struct HttpLine::Exchange {
   bool WaitUntilTaken() {
     const Lock guard(lock);
     while (!abandoned && (head || !bytes.empty())) SleepConditionVariableSRW(&taken, &lock, INFINITE, 0);
+    return !abandoned;
+  }
+
+  // Around every call that may take long. False once abandoned: the handle may have been closed by then, and its value
+  // be another request's.
+  bool EnterCall() {
+    const Lock guard(lock);
+    calling = !abandoned;
+    return calling;
+  }
+  bool LeaveCall() {
+    const Lock guard(lock);
+    calling = false;
     return !abandoned;
   }
 
@@ -178,9 +196,10 @@ struct HttpLine::Exchange {
     {
       const Lock guard(lock);
       abandoned = true;
+      WakeConditionVariable(&taken);
+      if (!calling) return;  // the thread ends at its next step, and the handles with it
       closedRequest = std::move(opened);
       closedConnection = std::move(connection);
-      WakeConditionVariable(&taken);
     }
     closedRequest.Reset();  // the documented way to end what another thread waits for
   }
@@ -190,18 +209,26 @@ namespace {
 
 using Exchange = HttpLine::Exchange;
 
-bool Send(HINTERNET request, const std::wstring& headers, std::string& body) {
-  return WinInet().HttpSendRequest(request, headers.empty() ? nullptr : headers.c_str(),
-                                   static_cast<DWORD>(headers.size()), body.empty() ? nullptr : body.data(),
-                                   static_cast<DWORD>(body.size()));
+// Returns 0 or the error; a connection that is closed without a word has none of its own.
+uint32_t Send(HINTERNET request, Exchange& exchange) {
+  const std::wstring& headers = exchange.request.headers;
+  std::string& body = exchange.request.body;
+  if (!exchange.EnterCall()) return ERROR_CANCELLED;
+  const BOOL sent = WinInet().HttpSendRequest(request, headers.empty() ? nullptr : headers.c_str(),
+                                              static_cast<DWORD>(headers.size()), body.empty() ? nullptr : body.data(),
+                                              static_cast<DWORD>(body.size()));
+  const DWORD error = GetLastError();
+  if (!exchange.LeaveCall()) return ERROR_CANCELLED;
+  if (sent) return ERROR_SUCCESS;
+  return error != ERROR_SUCCESS ? error : DWORD{ERROR_INTERNET_CONNECTION_ABORTED};
 }
 
 // After a certificate of an unknown authority once more with relaxed security flags.
-bool SendForgivingly(HINTERNET request, Exchange& exchange) {
-  if (Send(request, exchange.request.headers, exchange.request.body)) return true;
-  if (GetLastError() != ERROR_INTERNET_INVALID_CA) return false;
+uint32_t SendForgivingly(HINTERNET request, Exchange& exchange) {
+  uint32_t error = Send(request, exchange);
+  if (error != ERROR_INTERNET_INVALID_CA) return error;
   RelaxSecurity(request);
-  return Send(request, exchange.request.headers, exchange.request.body);
+  return Send(request, exchange);
 }
 
 // The one place where requests are opened. Null on failure, with the thread's last error.
@@ -233,9 +260,11 @@ uint32_t ReadBody(HINTERNET request, Exchange& exchange) {
   char chunk[kHttpChunk];
   for (;;) {
     DWORD count = 0;
+    if (!exchange.EnterCall()) return ERROR_SUCCESS;
     SetLastError(ERROR_SUCCESS);  // only an error that this read reports counts
     const BOOL done = WinInet().InternetReadFile(request, chunk, sizeof chunk, &count);
     const DWORD error = GetLastError();
+    if (!exchange.LeaveCall()) return ERROR_SUCCESS;
     if (!done) {
       // A connection that breaks behind the last byte has taken nothing away.
       const bool complete = error != kErrorDecodingFailed && length && received >= *length;
@@ -248,7 +277,7 @@ uint32_t ReadBody(HINTERNET request, Exchange& exchange) {
 }
 
 // Asks once more, on the same request, for a body that needs no decoding.
-bool SendAgainWithoutGzip(HINTERNET request, Exchange& exchange) {
+uint32_t SendAgainWithoutGzip(HINTERNET request, Exchange& exchange) {
   exchange.request.askForGzip = false;
   SetDecoding(request, false);
   SetHeader(request, L"Accept-Encoding:");  // removes it
@@ -258,11 +287,15 @@ bool SendAgainWithoutGzip(HINTERNET request, Exchange& exchange) {
 // Returns 0 or the error that ended the exchange.
 uint32_t Carry(Exchange& exchange) {
   const HINTERNET request = OpenRequest(exchange);
-  if (!request || !SendForgivingly(request, exchange)) return GetLastError();
+  if (!request) return GetLastError();
+  uint32_t error = SendForgivingly(request, exchange);
+  if (error != ERROR_SUCCESS) return error;
   exchange.BringHead(ReadHead(request));
-  uint32_t error = ReadBody(request, exchange);
+  if (exchange.request.headOnly) return ERROR_SUCCESS;
+  error = ReadBody(request, exchange);
   if (error == kErrorDecodingFailed && exchange.request.askForGzip && exchange.WaitUntilTaken()) {
-    if (!SendAgainWithoutGzip(request, exchange)) return GetLastError();
+    error = SendAgainWithoutGzip(request, exchange);
+    if (error != ERROR_SUCCESS) return error;
     HttpHead head = ReadHead(request);
     head.withoutGzip = true;
     exchange.BringHead(head);
@@ -271,11 +304,14 @@ uint32_t Carry(Exchange& exchange) {
   return error;
 }
 
-void CarryToItsEnd(const std::shared_ptr<Exchange>& exchange) {
+DWORD WINAPI CarryToItsEnd(void* shared) {
+  const std::unique_ptr<std::shared_ptr<Exchange>> own(static_cast<std::shared_ptr<Exchange>*>(shared));
+  const std::shared_ptr<Exchange>& exchange = *own;
   const uint32_t error = Carry(*exchange);
   // The words of the server belong to the thread that it answered.
   if (error == ERROR_INTERNET_EXTENDED_ERROR) RememberServerText();
   exchange->Finish(NetworkError(error));
+  return 0;
 }
 
 }  // namespace
@@ -294,7 +330,13 @@ HttpLine::HttpLine(HINTERNET session, HttpRequest request, std::stop_token stop,
       wake_(std::move(stop), [exchange = exchange_.get()] { exchange->Stop(); }) {
   exchange_->request = std::move(request);
   exchange_->session = session;
-  std::thread([exchange = exchange_] { CarryToItsEnd(exchange); }).detach();
+  auto shared = std::make_unique<std::shared_ptr<Exchange>>(exchange_);
+  const KernelHandle thread(CreateThread(nullptr, 0, CarryToItsEnd, shared.get(), 0, nullptr));
+  if (thread) {
+    shared.release();  // it is the thread's now
+  } else {
+    exchange_->Finish(GetLastError());
+  }
 }
 
 HttpLine::~HttpLine() { exchange_->Abandon(); }

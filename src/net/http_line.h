@@ -23,6 +23,7 @@ struct HttpRequest {
   bool setDecoding = false;  // tells WinINet whether to decode gzip
   std::wstring headers;      // whole lines, for the body
   std::string body;
+  bool headOnly = false;   // the body of the answer is of no interest
   uint32_t timeoutMs = 0;  // of each of WinINet's own phases
 };
 
@@ -32,6 +33,7 @@ struct HttpHead {
   uint64_t announced = 0;                // length of the body, or that before decoding; 0 when neither is known
   std::optional<uint64_t> length;        // Content-Length
   std::optional<uint64_t> contentStart;  // first byte, of a part of a file (Content-Range)
+  bool isPage = false;                   // Content-Type text/html
   bool withoutGzip = false;              // asked for once more, because what came couldn't be decoded: begin anew
 };
 

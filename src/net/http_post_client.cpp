@@ -28,6 +28,7 @@ void HttpPostClient::PostForm(std::string body) {
   request.flags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE;
   request.headers = L"Content-Type: application/x-www-form-urlencoded\r\n";
   request.body = std::move(body);
+  request.headOnly = true;
   request.timeoutMs = kTimeoutMs;
   HttpLine(session_.Get(), std::move(request), stop_, {.silenceMs = kPhases * kTimeoutMs, .afterStopMs = kAfterStopMs})
       .Next();

@@ -6,10 +6,9 @@
 
 bool Retries::AnotherAfter(const HttpResult& attempt, uint64_t reached) {
   const bool ledFurther = reached > farthest_;
-  const bool repeated = !first_ && attempt.received != 0 && reached <= previous_;
+  const bool repeated = !first_ && attempt.received != 0 && !ledFurther;
   first_ = false;
   farthest_ = std::max(farthest_, reached);
-  previous_ = reached;
   if (attempt.cancelled || !(IsRetryableNetworkError(attempt.error) || attempt.cutShort)) return false;
   if (rules_.mustLeadFurther && repeated) return false;
   fruitless_ = ledFurther ? 0 : fruitless_ + 1;

@@ -11,12 +11,13 @@ struct RetryRules {
 
   uint32_t most = kForEver;      // retries in a row that lead no further
   uint32_t pauseMs = 1000;       // before each
-  bool mustLeadFurther = false;  // a retry that brings data, but no more than the attempt before it, is the last one
+  bool mustLeadFurther = false;  // a retry that brings data, but no more than one before it, is the last one
 };
 
 class Retries {
  public:
-  explicit Retries(RetryRules rules) : rules_(rules) {}
+  // `reached` is how many bytes are there before the first attempt.
+  explicit Retries(RetryRules rules, uint64_t reached = 0) : rules_(rules), farthest_(reached) {}
 
   // To be asked after every attempt. `reached` is how many bytes of the file or document are there now. True when a
   // brief outage, or an answer that was cut short, may be over with the next attempt.
@@ -29,5 +30,5 @@ class Retries {
   RetryRules rules_;
   bool first_ = true;
   uint32_t fruitless_ = 0;
-  uint64_t farthest_ = 0, previous_ = 0;
+  uint64_t farthest_;
 };

@@ -116,9 +116,9 @@ uint32_t ReplaceFileContent(const std::wstring& path, const std::string& bytes) 
   if (const uint32_t error = AskToWrite(path)) return error;
   const std::wstring newPath = path + L".new";
   uint32_t error = WriteWholeFile(newPath, bytes, FILE_ATTRIBUTE_NORMAL);
-  if (error == ERROR_SUCCESS) error = TakePlace(newPath, path);
-  // It may be all there is.
-  if (PathExists(path)) DeleteFileW(newPath.c_str());
+  const bool whole = error == ERROR_SUCCESS;
+  if (whole) error = TakePlace(newPath, path);
+  if (!whole || PathExists(path)) DeleteFileW(newPath.c_str());  // otherwise it is all there is
   return error;
 }
 

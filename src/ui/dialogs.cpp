@@ -19,8 +19,6 @@ void CenterOverOwner(HWND dialog) {
 
 void ShowModalDialog(int resource, DLGPROC procedure) {
   DialogBoxParamW(app.instance, MAKEINTRESOURCEW(resource), app.mainWindow, procedure, 0);
-  // The end of a dialog enables its owner, but an update that has begun meanwhile needs it disabled.
-  if (app.updateInProgress) EnableWindow(app.mainWindow, FALSE);
 }
 
 std::optional<INT_PTR> AnswerThemeMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {

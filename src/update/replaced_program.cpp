@@ -7,16 +7,6 @@
 #include "system/files.h"
 #include "system/path_names.h"
 
-namespace {
-
-// The update was interrupted while it copied the new program there.
-bool IsUnfinishedCopy(const std::wstring& program) {
-  const std::string whole = ComputeFileMd5(UpdateFilePath(), nullptr);
-  return !whole.empty() && ComputeFileMd5(program, nullptr) != whole;
-}
-
-}  // namespace
-
 std::wstring UpdateFilePath() { return JoinPath(*app.tmpPath.Get(), L"launcher.update"); }
 
 std::wstring NewProgramPath() { return app.exePath + L".new"; }
@@ -35,15 +25,15 @@ void RemoveReplacedProgram() {
 void RestoreReplacedProgram() {
   if (!app.exePath.ends_with(kBackupExtension)) return;
   const std::wstring program = app.exePath.substr(0, app.exePath.size() - kBackupExtension.size());
-  if (PathExists(program) && !IsUnfinishedCopy(program)) return;
-  if (!MoveFileExW(app.exePath.c_str(), program.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return;
+  if (PathExists(program) || !MoveFileExW(app.exePath.c_str(), program.c_str(), MOVEFILE_WRITE_THROUGH)) return;
   app.backupPath = app.exePath;
   app.exePath = program;
 }
 
 void RemoveForgottenCopy() {
-  if (!app.updateInProgress) DeleteFileW(NewProgramPath().c_str());  // of an update that was interrupted
-  if (app.updateInProgress || !PathExists(app.backupPath)) return;
+  if (app.updateInProgress) return;
+  if (FileExistsNonEmpty(UpdateFilePath())) DeleteFileW(NewProgramPath().c_str());  // of an update that was interrupted
+  if (!PathExists(app.backupPath)) return;
   const std::string ownHash = ComputeFileMd5(app.exePath, nullptr);
   if (!ownHash.empty() && ownHash == ComputeFileMd5(UpdateFilePath(), nullptr)) DeleteFileW(app.backupPath.c_str());
 }

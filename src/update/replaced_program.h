@@ -13,8 +13,8 @@ std::wstring NewProgramPath();
 // has: that is waited for, one second at most, unless the window is there already.
 void RemoveReplacedProgram();
 
-// Where an update was interrupted between its two steps, the copy is all that is left; started under its own name, it
-// takes the program's place again, unless a whole program stands there. To be called when the settings are loaded.
+// Where an update was interrupted between its two renames, the copy is all that is left; started under its own name, it
+// takes the program's place again, which must be empty. To be called when the settings are loaded.
 void RestoreReplacedProgram();
 
 // Removes the copy that an update left when the program was ended before it could relaunch: this program is then the

@@ -33,8 +33,8 @@ struct Update {
   uint32_t error = 0;    // of the last failure, 0 when there was none or the system had no part in it
 };
 
-// Also keeps the file from being changed, until it has been put into its place.
-bool IsAnnouncedFile(Update& update) {
+// Whether the file is the announced one; it is then kept from being changed until it has been put into its place.
+bool ProveAndHold(Update& update) {
   bool right = false;
   RunWhileServing(update.dialog, [&] {
     update.held.Reset(CreateFileW(update.file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
@@ -66,7 +66,7 @@ HttpResult DownloadThroughOutage(Update& update, const std::wstring& url) {
 }
 
 // The user is asked, and the permissions of the temporary folder are repaired.
-bool RepairedOnRequest(const Update& update) {
+bool OfferRepair(const Update& update) {
   const std::wstring text = FormatErrorMessage(ERROR_ACCESS_DENIED, LoadLocalizedString(STR_FIX_PERMISSIONS));
   const std::wstring caption = LoadLocalizedString(STR_UPDATE);
   if (MessageBoxW(update.dialog, text.c_str(), caption.c_str(), MB_YESNO | MB_ICONERROR) != IDYES) return false;
@@ -78,14 +78,14 @@ bool RepairedOnRequest(const Update& update) {
 bool ObtainFrom(Update& update, const std::wstring& url) {
   ClearUpdateDisplay();
   HttpResult result = DownloadThroughOutage(update, url);
-  if (result.error == ERROR_ACCESS_DENIED && RepairedOnRequest(update)) result = DownloadThroughOutage(update, url);
+  if (result.error == ERROR_ACCESS_DENIED && OfferRepair(update)) result = DownloadThroughOutage(update, url);
   update.error = result.error;
-  return result.received != 0 && IsAnnouncedFile(update);
+  return result.received != 0 && ProveAndHold(update);
 }
 
 bool ObtainFile(Update& update, std::deque<std::string> urls) {
   // An earlier attempt may have brought it.
-  if (FileExistsNonEmpty(update.file) && IsAnnouncedFile(update)) return true;
+  if (FileExistsNonEmpty(update.file) && ProveAndHold(update)) return true;
   for (; !urls.empty(); urls.pop_front()) {
     const std::wstring url = WidenBytes(urls.front());
     if (update.helpAddress.empty()) update.helpAddress = url;
@@ -105,10 +105,14 @@ uint32_t ReplaceProgram(const std::wstring& newFile) {
     DeleteFileW(newProgram.c_str());
     return error;
   }
-  if (!MoveFileExW(app.exePath.c_str(), app.backupPath.c_str(), kFlags)) return GetLastError();
-  if (MoveFileExW(newProgram.c_str(), app.exePath.c_str(), kFlags)) return ERROR_SUCCESS;
-  const DWORD error = GetLastError();
-  MoveFileExW(app.backupPath.c_str(), app.exePath.c_str(), kFlags);
+  DWORD error = ERROR_SUCCESS;
+  if (!MoveFileExW(app.exePath.c_str(), app.backupPath.c_str(), kFlags)) {
+    error = GetLastError();
+  } else if (!MoveFileExW(newProgram.c_str(), app.exePath.c_str(), kFlags)) {
+    error = GetLastError();
+    MoveFileExW(app.backupPath.c_str(), app.exePath.c_str(), kFlags);
+  }
+  if (error != ERROR_SUCCESS) DeleteFileW(newProgram.c_str());
   return error;
 }
 
@@ -130,6 +134,7 @@ void Relaunch() {
 
 void GiveUp(const Update& update) {
   PromptDownloadLatest(update.helpAddress, update.error);
+  app.lockedByUpdate = false;
   EnableWindow(app.mainWindow, TRUE);
 }
 
@@ -140,6 +145,7 @@ void RunSelfUpdate(const UpdaterInfo& announced) {
   const HWND dialog = CreateUpdateDialog(announced.filesize);
   if (!dialog) return;
   ShowWindow(dialog, SW_SHOW);
+  app.lockedByUpdate = true;
   EnableWindow(app.mainWindow, FALSE);
   ShowUpdateStatus(STR_DOWNLOADING_UPDATE);
 

@@ -30,7 +30,7 @@ TEST_F(Desktop, TheWindowIsMadeForTheScaleOfTheScreen) {
   for (const int dpi : {96, 144}) {
     SetScreenDpi(static_cast<DWORD>(dpi));
     Start();
-    AwaitList(dpi);
+    AwaitList();
     const SIZE client = ClientSize();
     if (dpi == 96) unscaled = client;
     EXPECT_EQ(client.cx, MulDiv(unscaled.cx, dpi, 96));

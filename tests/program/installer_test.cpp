@@ -83,10 +83,8 @@ void InstallerTest::FollowRelaunch() {
   process_.emplace(process);
 }
 
-void InstallerTest::AwaitList(int dpi) {
-  const auto ready = [this, dpi] {
-    return PageOf(Window()) == ComponentsPage && IsWindowEnabled(BottomButton(Window(), dpi));
-  };
+void InstallerTest::AwaitList() {
+  const auto ready = [this] { return PageOf(Window()) == ComponentsPage && IsWindowEnabled(BottomButton(Window())); };
   ASSERT_TRUE(WaitUntil(ready)) << "the list of components was not filled";
 }
 

@@ -52,7 +52,7 @@ class InstallerTest : public testing::Test {
   InstallerProcess& Process() { return *process_; }
   HWND Window() { return FindInstallerWindow(process_->Id()); }
   // Waits until the list of components is filled.
-  void AwaitList(int dpi = 96);
+  void AwaitList();
   // The same, and presses Install.
   void PressInstall();
   void Close() { PostMessageW(Window(), WM_CLOSE, 0, 0); }

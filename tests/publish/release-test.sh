@@ -10,10 +10,11 @@ openssl req -x509 -newkey rsa:2048 -nodes -days 30 -subj '/CN=Thrown away' -adde
 printf 'a password' >password
 openssl pkcs12 -export -inkey key.pem -in certificate.pem -out certificate.p12 -passout file:password
 
+# Not where a true release may lie.
+export ZENDORA_DIST=$folder/dist
 site=https://downloads.elsewhere.test version=9.8.7
 "$root/release" "$version" --site "$site" --links elsewhere.test,forum.elsewhere.test \
   --sign certificate.p12 --password-file password
-cp -r "$build/release/dist" .
 cd dist
 
 name=ZendoraInstaller-$version.exe
@@ -37,4 +38,3 @@ expect_fault "$version" "$site" 'elsewhere.test;forum.elsewhere.test' ' 0 faults
 expect_fault 9.8.6 "$site" elsewhere.test "its file version is 9.8.0.7, which doesn't stand for 9.8.6"
 expect_fault "$version" https://zendora.example elsewhere.test 'the address https://zendora.example/ is not in it'
 expect_fault "$version" "$site" social.example 'the address social.example is not in it'
-rm -rf "$build/release/dist"

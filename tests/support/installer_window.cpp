@@ -92,8 +92,17 @@ HWND ChildAt(HWND window, const wchar_t* windowClass, int x, int y) {
   return nullptr;
 }
 
-HWND BottomButton(HWND window, int dpi) {
-  return ChildAt(window, WC_BUTTONW, MulDiv(242, dpi, 96), MulDiv(386, dpi, 96));
+HWND BottomButton(HWND window) {
+  HWND lowest = nullptr;
+  LONG lowestTop = 0;
+  for (const HWND child : VisibleChildren(window)) {
+    RECT place = {};
+    GetWindowRect(child, &place);
+    if (lstrcmpiW(ClassOf(child).c_str(), WC_BUTTONW) != 0 || (lowest && place.top < lowestTop)) continue;
+    lowest = child;
+    lowestTop = place.top;
+  }
+  return lowest;
 }
 
 std::wstring ShownText(HWND window) {

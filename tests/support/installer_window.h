@@ -23,8 +23,7 @@ Page PageOf(HWND window);
 // The visible child of a class at a place in the client area; null when there is none.
 HWND ChildAt(HWND window, const wchar_t* windowClass, int x, int y);
 // The only button at the bottom of the components and the installation page: Install, Cancel or Exit.
-// At 96 dots per inch, unless said otherwise.
-HWND BottomButton(HWND window, int dpi = 96);
+HWND BottomButton(HWND window);
 
 // What a window or control shows, without the sign of the letter that presses a button. Empty when it doesn't answer.
 std::wstring ShownText(HWND window);

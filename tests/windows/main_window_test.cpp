@@ -83,6 +83,22 @@ TEST_F(MainWindow, LanguageChangesEverythingButTheWorkersTexts) {
   EXPECT_TRUE(TextOf(window_.Installation().deleteTmpCheckbox).starts_with(L"Delete created"));
 }
 
+TEST_F(MainWindow, DataInUseCantBeDeleted) {
+  const auto isGrey = [this] {
+    const HMENU options = GetSubMenu(GetMenu(window_.Window()), 2);
+    Send(WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(options), 2);
+    return (GetMenuState(options, COMMAND_DELETE_APP_DATA, MF_BYCOMMAND) & MF_GRAYED) != 0;
+  };
+  EXPECT_FALSE(isGrey());
+  app.workerThread = ActiveThread();
+  EXPECT_TRUE(isGrey());
+  Send(WM_COMMAND, COMMAND_DELETE_APP_DATA, 0);  // would show a box
+  app.workerThread.Reset();
+  EXPECT_FALSE(isGrey());
+  app.updateInProgress = true;
+  EXPECT_TRUE(isGrey());
+}
+
 // Stands in for a list that knows groups, or refuses them.
 struct GroupRecorder {
   bool refuses = false;

@@ -44,6 +44,31 @@ show_languages() {
   done
 }
 
+# Photographs the whole screen with a dialog on it.
+dialog_picture() {
+  local command=$1 name=$2
+  drive choose "$command"
+  drive dialog || give_up "the dialog \"$name\" did not open"
+  import -window root "$output/$name.png"
+  drive dismiss
+}
+
+# The components page and what the menu opens, on screens of other scales.
+show_scales() {
+  local percent
+  for percent in 150 200 100; do
+    set_number 'HKCU\Control Panel\Desktop' LogPixels $((percent * 96 / 100))
+    start_installer
+    drive wait components || give_up "the list of components did not appear"
+    picture "components-$percent"
+    dialog_picture 104 "about-$percent"
+    dialog_picture 32778 "speed-limit-$percent"
+    dialog_picture 32781 "delete-data-$percent"
+    drive close
+    wait "$installer" || give_up "the installer ended with status $?"
+  done
+}
+
 old_game='Old games/GTA San Andreas'
 old_game_key='HKLM\Software\Rockstar Games\GTA San Andreas\Installation'
 
@@ -98,6 +123,8 @@ say "checking the site"
 check_site || die "the site is not what the manifest says"
 say "taking pictures of the components page"
 show_languages
+say "taking pictures at other scales"
+show_scales
 say "installing everything"
 pretend_old_game
 install_everything
