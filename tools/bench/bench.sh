@@ -10,7 +10,7 @@ if [ "${1:-}" != measure ]; then
   "$root/tools/setup.sh"
   command -v makensis >/dev/null || as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y install nsis >/dev/null ||
     die "the other installer's maker (package nsis) could not be installed"
-  "$root/tools/build.sh" release >/dev/null
+  "$root/tools/build.sh" release ZendoraInstaller bench bench_empty_window
   exec "$root/tools/harness/private-network.sh" "$root/tools/harness/with-display.sh" "$0" measure
 fi
 
