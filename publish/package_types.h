@@ -4,8 +4,7 @@
 #include <string>
 #include <string_view>
 
-inline constexpr char kZipType[] = "application/x-zip-compressed";    // is unpacked
-inline constexpr char kInstallerType[] = "application/x-msdownload";  // is started; everything else is copied
+#include "manifest/manifest_model.h"  // kZipType and kInstallerType
 
 // Whether the text is a placeholder for a folder that a player's computer can have.
 bool IsKnownFolder(std::string_view folder);
