@@ -1,5 +1,6 @@
 // zendora-publish: makes and checks what players will download. Its manual is docs/publishing.md.
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <iostream>
 
 #include "commands.h"
@@ -112,19 +113,29 @@ int Main(std::vector<std::string> arguments) {
   return code;
 }
 
+// Out of memory, or a fault of ours.
+int TellFailure(const std::exception& error) {
+  std::fprintf(stderr, "zendora-publish: %s\n", error.what());
+  return kUnusable;
+}
+
 }  // namespace
 
 #ifdef _WIN32
-int wmain(int count, wchar_t** values) {
+int wmain(int count, wchar_t** values) try {
   SetConsoleOutputCP(CP_UTF8);
   std::vector<std::string> arguments;
   while (--count > 0) arguments.push_back(WideToUtf8(values[count]));
   return Main(std::move(arguments));
+} catch (const std::exception& error) {
+  return TellFailure(error);
 }
 #else
-int main(int count, char** values) {
+int main(int count, char** values) try {
   std::vector<std::string> arguments;
   while (--count > 0) arguments.emplace_back(values[count]);
   return Main(std::move(arguments));
+} catch (const std::exception& error) {
+  return TellFailure(error);
 }
 #endif

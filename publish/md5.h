@@ -11,7 +11,7 @@
 class Md5 {
  public:
   Md5();
-  ~Md5();
+  ~Md5();  // NOLINT(performance-trivially-destructible): what it destroys is known in the source only
 
   void Add(const void* bytes, size_t count);
   // 32 lower-case hexadecimal digits; empty when the library failed. Once.

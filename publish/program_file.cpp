@@ -83,8 +83,11 @@ std::string VersionText(std::string_view resource, std::string_view key) {
   if (found == std::string_view::npos) return "";
   const Bytes bytes(resource);
   std::wstring text;
-  for (size_t at = (found + wideKey.size() + 3) / 4 * 4; const uint16_t c = bytes.Word(at); at += 2)
-    text += static_cast<wchar_t>(c);
+  size_t at = (found + wideKey.size() + 3) / 4 * 4;
+  while (bytes.Word(at) != 0) {
+    text += static_cast<wchar_t>(bytes.Word(at));
+    at += 2;
+  }
   return WideToUtf8(text);
 }
 

@@ -40,7 +40,7 @@ std::string ProgramBytes(const ProgramKind& kind) {
   Put(file, kHeader, std::string("PE\0\0", 4) + Number(kind.machine, 2) + Number(1, 2));
   Put(file, kHeader + 20, Number(kOptionalSize, 2));
   Put(file, kOptional, Number(kind.magic, 2));
-  Put(file, kOptional + 96 + 8 * 2, Number(kAddress, 4));
+  Put(file, kOptional + 96 + 16, Number(kAddress, 4));
 
   std::string version;
   if (!kind.productName.empty()) version += VersionString("ProductName", kind.productName);
