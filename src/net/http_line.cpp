@@ -131,7 +131,7 @@ struct HttpLine::Exchange {
   bool stopped = false;
   bool calling = false;  // the thread is inside a call on the request, or about to enter it
 
-  void BringHead(HttpHead newHead) {
+  void BringHead(const HttpHead& newHead) {
     const Lock guard(lock);
     head = newHead;
     WakeConditionVariable(&brought);

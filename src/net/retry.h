@@ -17,7 +17,7 @@ struct RetryRules {
 class Retries {
  public:
   // `reached` is how many bytes are there before the first attempt.
-  explicit Retries(RetryRules rules, uint64_t reached = 0) : rules_(rules), farthest_(reached) {}
+  explicit Retries(const RetryRules& rules, uint64_t reached = 0) : rules_(rules), farthest_(reached) {}
 
   // To be asked after every attempt. `reached` is how many bytes of the file or document are there now. True when a
   // brief outage, or an answer that was cut short, may be over with the next attempt.
