@@ -326,7 +326,7 @@ HttpLine::HttpLine(HINTERNET session, HttpRequest request, std::stop_token stop,
   auto shared = std::make_unique<std::shared_ptr<Exchange>>(exchange_);
   const KernelHandle thread(CreateThread(nullptr, 0, CarryToItsEnd, shared.get(), 0, nullptr));
   if (thread) {
-    shared.release();  // it is the thread's now
+    (void)shared.release();  // it is the thread's now
   } else {
     exchange_->Finish(GetLastError());
   }
