@@ -3,7 +3,7 @@
 # flags; nothing of them enters the repository.
 source "$(dirname "$0")/../common.sh"
 
-# Name of the source package, and the version that its unpacked folder ends with (but for "+dfsg").
+# Name of the source package, and the version of the library.
 libraries=(zlib=1.3.1 tinyxml2=11.0.0 googletest=1.16.0 curl=8.14.1)
 # The release that carries these versions.
 release=trixie
@@ -36,11 +36,16 @@ source_apt update || die "the list of library sources could not be fetched (is t
 for library in "${missing[@]}"; do
   name=${library%%=*} version=${library#*=}
   work=$(mktemp -d -p "$deps")
-  (cd "$work" && source_apt source "$name") || die "the source of $name could not be fetched (is the network there?); see $log"
-  folder=$(find "$work" -mindepth 1 -maxdepth 1 -type d)
-  [[ ${folder%+dfsg} == *"$version" ]] || die "the source of $name is not version $version but $(basename "$folder")"
+  # The authors' own archive alone: it stays the same while Debian's changes to it come and go, so that the same commit
+  # gives the same bytes, and a mirror that has not yet got the newest of them stops nobody.
+  (cd "$work" && source_apt source --download-only --tar-only "$name") ||
+    die "the source of $name could not be fetched (is the network there?); see $log"
+  archive=$(find "$work" -name '*.orig.tar.?z')
+  [[ ${archive##*/} =~ [_.a-z]"$version"(\+dfsg)?\.orig ]] ||
+    die "the source of $name is not version $version but $(basename "$archive")"
   rm -rf "${deps:?}/$name"
-  mv "$folder" "$deps/$name"
+  mkdir "$deps/$name"
+  tar -xf "$archive" -C "$deps/$name" --strip-components=1
   touch "$deps/$name/.complete"
   rm -rf "$work"
 done
