@@ -53,6 +53,11 @@ add_program(ZendoraInstallerSymbols)
 set_target_properties(ZendoraInstallerSymbols PROPERTIES OUTPUT_NAME ZendoraInstaller SUFFIX .debug)
 add_dependencies(ZendoraInstaller ZendoraInstallerSymbols)
 
+# The same program with less patience, for tests that would wait for minutes.
+add_program(ImpatientInstaller -s)
+target_sources(ImpatientInstaller PRIVATE ${CMAKE_SOURCE_DIR}/tests/impatient/patience.cpp)
+set_project_options(ImpatientInstaller)
+
 # What both test programs share.
 file(GLOB support_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/support/*.cpp)
 add_library(test_support STATIC ${support_sources})
@@ -72,7 +77,7 @@ add_executable(program_tests ${program_tests})
 set_project_options(program_tests)
 target_precompile_headers(program_tests REUSE_FROM test_support)
 target_link_libraries(program_tests PRIVATE test_support gtest_main)
-add_dependencies(program_tests ZendoraInstaller)
+add_dependencies(program_tests ZendoraInstaller ImpatientInstaller)
 
 # What the demo needs: an installer program to be installed by ours, and hands for its window.
 add_executable(demo_setup_program WIN32 ${CMAKE_SOURCE_DIR}/tools/demo/setup_program.cpp)

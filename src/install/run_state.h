@@ -41,8 +41,7 @@ struct RunState {
   uint64_t upsizeTotal = 0;  // sum of the packages' upsize
   uint64_t upsizeDone = 0;   // sum over the packages that the install phase is done with
 
-  // At most 60 retries in a row that bring the file no further.
-  RetryRules retryRules{.most = 60};
+  RetryRules retryRules{.most = kPatience.retries};
   HttpClient downloads{app.userAgent, app.cancelRequested.Token()};
   HttpPostClient reports{app.userAgent, app.cancelRequested.Token()};
 };

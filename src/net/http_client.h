@@ -7,6 +7,7 @@
 
 #include "net/http_line.h"
 #include "net/http_result.h"
+#include "net/patience.h"
 #include "net/speed_limiter.h"
 #include "net/wininet_api.h"
 
@@ -21,9 +22,6 @@ struct DownloadProgress {
 };
 using DownloadProgressCallback = void (*)(DownloadProgress*);
 
-// A line that says nothing for so long is broken.
-inline constexpr uint32_t kSilenceMs = 30'000;
-
 class HttpClient {
  public:
   // A failure shows in the first transfer. `stop` ends a transfer at once, wherever it waits.
@@ -34,7 +32,7 @@ class HttpClient {
   // Whether transfers from byte 0 ask for gzip (WinINet decodes it). On at first; a body that can't be decoded turns
   // it off for good.
   void SetGzipEnabled(bool enabled) { gzipEnabled_ = enabled; }
-  // How long a transfer waits without a byte, kSilenceMs at first.
+  // How long a transfer waits without a byte, kPatience.silenceMs at first.
   void SetSilence(uint32_t milliseconds) { silenceMs_ = milliseconds; }
 
   // Appends the body to `body`, which is emptied first only where a body is fetched a second time without gzip.
@@ -57,7 +55,7 @@ class HttpClient {
   std::stop_token stop_;
   bool gzipEnabled_ = true;
   uint32_t speedLimit_ = 0;
-  uint32_t silenceMs_ = kSilenceMs;
+  uint32_t silenceMs_ = kPatience.silenceMs;
   InternetHandle session_;
 };
 

@@ -5,13 +5,14 @@
 #include <stop_token>
 
 #include "net/http_result.h"
+#include "net/patience.h"
 
 struct RetryRules {
   static constexpr uint32_t kForEver = UINT32_MAX;
 
-  uint32_t most = kForEver;      // retries in a row that lead no further
-  uint32_t pauseMs = 1000;       // before each
-  bool mustLeadFurther = false;  // a retry that brings data, but no more than one before it, is the last one
+  uint32_t most = kForEver;              // retries in a row that lead no further
+  uint32_t pauseMs = kPatience.pauseMs;  // before each
+  bool mustLeadFurther = false;          // a retry that brings data, but no more than one before it, is the last one
 };
 
 class Retries {

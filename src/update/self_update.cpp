@@ -55,7 +55,7 @@ HttpResult Download(Update& update, const std::wstring& url) {
 }
 
 HttpResult DownloadThroughOutage(Update& update, const std::wstring& url) {
-  Retries retries({.most = 60, .mustLeadFurther = true});
+  Retries retries({.most = kPatience.retries, .mustLeadFurther = true});
   HttpResult result = Download(update, url);
   bool again = true;
   while (again && retries.AnotherAfter(result, result.received)) {

@@ -4,11 +4,19 @@
 
 #include "system/path_names.h"
 
-std::wstring InstallerProcess::ProgramPath() {
+namespace {
+
+std::wstring Beside(std::wstring_view name) {
   wchar_t own[MAX_PATH] = L"";
   GetModuleFileNameW(nullptr, own, MAX_PATH);
-  return JoinPath(ParentFolder(own), L"ZendoraInstaller.exe");
+  return JoinPath(ParentFolder(own), name);
 }
+
+}  // namespace
+
+std::wstring InstallerProcess::ProgramPath() { return Beside(L"ZendoraInstaller.exe"); }
+
+std::wstring InstallerProcess::ImpatientProgramPath() { return Beside(L"ImpatientInstaller.exe"); }
 
 InstallerProcess::InstallerProcess(const std::wstring& commandLine, const std::wstring& program) {
   std::wstring whole = L"\"" + program + L"\" " + commandLine;

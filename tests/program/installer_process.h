@@ -21,8 +21,10 @@ class InstallerProcess {
   InstallerProcess(const InstallerProcess&) = delete;
   InstallerProcess& operator=(const InstallerProcess&) = delete;
 
-  // The program file that lies beside the test program.
+  // The program files that lie beside the test program: the shipping one, and the one that waits for a server no longer
+  // than a test may (tests/impatient).
   static std::wstring ProgramPath();
+  static std::wstring ImpatientProgramPath();
 
   DWORD Id() const { return id_; }
   // Its program file.
