@@ -12,7 +12,7 @@
 namespace {
 
 // How far the thread reads ahead of whoever stores the bytes.
-constexpr size_t kReadAhead = 16 * kHttpChunk;
+constexpr size_t kReadAhead = 64 * kHttpChunk;
 // On a fast line the one who stores is woken when so much has come, instead of for each chunk; on a slow one he looks
 // for himself so often.
 constexpr size_t kWorthWaking = kReadAhead / 2;
@@ -137,13 +137,15 @@ struct HttpLine::Exchange {
     WakeConditionVariable(&brought);
   }
 
-  // False when nobody wants more.
+  // Between two reads: leaves the one and enters the next. False when nobody wants more.
   bool BringBytes(const char* chunk, DWORD count) {
     const Lock guard(lock);
+    calling = false;
     while (!abandoned && bytes.size() >= kReadAhead) SleepConditionVariableSRW(&taken, &lock, INFINITE, 0);
     if (abandoned) return false;
     bytes.append(chunk, count);
     if (bytes.size() >= kWorthWaking) WakeConditionVariable(&brought);
+    calling = true;
     return true;
   }
 
@@ -256,15 +258,16 @@ HINTERNET OpenRequest(Exchange& exchange) {
 // Reads to the end of the body. Returns 0 or the error; nothing more is wanted when the line was abandoned.
 uint32_t ReadBody(HINTERNET request, Exchange& exchange) {
   char chunk[kHttpChunk];
+  if (!exchange.EnterCall()) return ERROR_SUCCESS;
   for (;;) {
     DWORD count = 0;
-    if (!exchange.EnterCall()) return ERROR_SUCCESS;
     SetLastError(ERROR_SUCCESS);  // only an error that this read reports counts
     const BOOL done = WinInet().InternetReadFile(request, chunk, sizeof chunk, &count);
     const DWORD error = GetLastError();
-    if (!exchange.LeaveCall()) return ERROR_SUCCESS;
-    if (!done) return error;
-    if (count == 0) return error == kErrorDecodingFailed ? error : ERROR_SUCCESS;
+    if (!done || count == 0) {
+      exchange.LeaveCall();
+      return !done || error == kErrorDecodingFailed ? error : ERROR_SUCCESS;
+    }
     if (!exchange.BringBytes(chunk, count)) return ERROR_SUCCESS;
   }
 }
