@@ -62,9 +62,8 @@ TEST_F(BadInput, DownloadsThatDontMatchTheManifest) {
         .filename = "bad.dat", .content = content, .title = "Bad one", .name = "Bad", .md5 = test.md5};
     StartAnew(package);
     server_->Answer(FilePath(package), test.answer);
-    Start(L"install:bad.dat source:main");
-    const InstallerBox box =
-        ExpectBox(L"There was an error during download\n\nPackage: Bad one\n\nError code: ", std::chrono::seconds(90));
+    Start(L"install:bad.dat source:main", InstallerProcess::ImpatientProgramPath());
+    const InstallerBox box = ExpectBox(L"There was an error during download\n\nPackage: Bad one\n\nError code: ");
     EXPECT_EQ(box.caption, L"Error");
     EXPECT_TRUE(box.text.ends_with(L"\n\nWould you like to try again?"));
     ExpectLog(test.logged);
