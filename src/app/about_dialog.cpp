@@ -10,6 +10,7 @@
 #include "core/site.h"
 #include "system/process.h"
 #include "system/text.h"
+#include "ui/controls.h"
 #include "ui/dialogs.h"
 #include "ui/theme/theme.h"
 
@@ -37,12 +38,6 @@ void Initialize(HWND dialog) {
   SetDlgItemTextW(dialog, ABOUT_VERSION, version.c_str());
   ShowLinks(dialog);
   DialogDarkInit(dialog);
-}
-
-std::wstring WindowText(HWND window) {
-  std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-  text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
-  return text;
 }
 
 void OpenLink(HWND button) { OpenAddress(L"https://" + WindowText(button)); }

@@ -69,9 +69,12 @@ void RewriteComponentsPage(const ComponentsPageControls& page) {
   UpdateTotalSize();
 }
 
-// The worker writes the other texts of this page as it goes.
+// The worker writes the other texts of this page as it goes. The button keeps its text, too, but not a letter that now
+// belongs to another one. That isn't left in the mailbox, where it could take the place of a newer text of the worker.
 void RewriteInstallPage(const InstallPageControls& page) {
   page.deleteTmpCheckbox.SetText(LoadMarkedString(STR_DELETE_TEMP_FILES));
+  const HWND button = page.cancelButton.Window();
+  SetWindowTextW(button, MarkAnew(WindowText(button)).c_str());
 }
 
 }  // namespace

@@ -143,7 +143,7 @@ LRESULT OnControlColors(UINT message, HDC dc, HWND control) {
   if (message == WM_CTLCOLORDLG || message == WM_CTLCOLORSTATIC) SetBkMode(dc, TRANSPARENT);
   HBRUSH brush = message == WM_CTLCOLORBTN ? DarkButtonColors(dc) : DarkStaticColors(dc);
   // Without a brush the system takes the grey of dialogs, but this window is white.
-  if (!brush && IsOnWindowBackground(message, control)) brush = Brushes().lightBackground.Get();
+  if (!brush && IsOnWindowBackground(message, control)) brush = LightStaticColors(dc);
   return reinterpret_cast<LRESULT>(brush);
 }
 
@@ -153,8 +153,8 @@ LRESULT OnFramePaint(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   return result;
 }
 
-void OnSettingChange(LPARAM lParam) {
-  if (!OnMainWindowSettingChange(lParam)) return;
+void OnSettingChange(WPARAM wParam, LPARAM lParam) {
+  if (!OnMainWindowSettingChange(wParam, lParam)) return;
   if (const InstallPageControls* page = app.installPage) ThemeUnstyledControl(page->deleteTmpCheckbox.Window());
 }
 
@@ -185,7 +185,10 @@ std::optional<LRESULT> AnswerAppearance(HWND window, UINT message, WPARAM wParam
       EraseBackground(window, reinterpret_cast<HDC>(wParam));
       return 1;
     case WM_SETTINGCHANGE:
-      OnSettingChange(lParam);
+      OnSettingChange(wParam, lParam);
+      return 0;
+    case WM_SYSCOLORCHANGE:
+      PassColorChange(window);
       return 0;
     case kScaleChangedMessage:
       OnScaleChanged(window, LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));

@@ -66,9 +66,11 @@ void SetThreadLanguage(uint32_t language) {
 
 uint32_t ThreadLanguage() { return threadLanguage; }
 
+std::wstring LoadLocalizedString(unsigned id) { return LoadLocalizedString(id, threadLanguage); }
+
 // Not LoadStringW: which of a thread's, a user's and a system's languages that one prefers differs between systems,
 // while this gives the same text on each.
-std::wstring LoadLocalizedString(unsigned id) {
-  std::wstring text = LoadStringIn(MAKELANGID(threadLanguage, SUBLANG_NEUTRAL), id);
+std::wstring LoadLocalizedString(unsigned id, uint32_t language) {
+  std::wstring text = LoadStringIn(MAKELANGID(static_cast<LANGID>(language), SUBLANG_NEUTRAL), id);
   return text.empty() ? LoadStringIn(MAKELANGID(LANG_ENGLISH, SUBLANG_NEUTRAL), id) : text;
 }

@@ -22,3 +22,5 @@ uint32_t ThreadLanguage();
 
 // The text of a string resource (STR_...) in the calling thread's language, else in English, else empty. Any thread.
 std::wstring LoadLocalizedString(unsigned id);
+// The same in another language.
+std::wstring LoadLocalizedString(unsigned id, uint32_t language);

@@ -48,7 +48,6 @@ void TakeSpeedSample(uint64_t before, uint64_t now) {
 void ShowSpeed(uint64_t fileBytes) {
   const uint64_t speed = transferStatus.currentSpeed;
   const uint32_t retries = transferStatus.retryCount;
-  TellTaskbarRetrying(speed == 0 && retries != 0);
   if (speed == 0 && retries != 0) {
     ShowPackageDetail(LoadLocalizedString(STR_BAD_CONNECTION) + L" (" + std::to_wstring(retries) + L")");
   } else if (!transferStatus.hashing) {
@@ -82,5 +81,7 @@ void CALLBACK OnSpeedTimer(HWND, UINT, UINT_PTR, DWORD) {
     TakeSpeedSample(before, now);
     ShowSpeed(now);
   }
+  // Also while not a single byte has come, of which the label tells nothing.
+  TellTaskbarRetrying(transferStatus.currentSpeed == 0 && transferStatus.retryCount != 0);
   transferStatus.lastTickBytes = now;
 }

@@ -17,6 +17,8 @@ struct Place {
 };
 void PlaceWindow(HWND window, const Place& place);
 
+std::wstring WindowText(HWND window);
+
 // Gives a window its current font with another height (a LOGFONT height at 96 dots per inch). The font must live as
 // long as it is used.
 FontHandle ChangeFontHeight(HWND window, int height);

@@ -31,7 +31,7 @@ std::optional<INT_PTR> AnswerThemeMessage(HWND dialog, UINT message, WPARAM wPar
     case WM_CTLCOLORSTATIC:
       return reinterpret_cast<INT_PTR>(DarkStaticColors(dc));
     case WM_SETTINGCHANGE:
-      DialogSettingChange(dialog, lParam);
+      DialogSettingChange(dialog, wParam, lParam);
       return TRUE;
     case WM_THEMECHANGED:
       DialogThemeChanged(dialog);

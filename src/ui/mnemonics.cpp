@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "core/context.h"
 #include "core/localization.h"
 
 namespace {
@@ -20,6 +21,17 @@ bool HasKey(wchar_t letter) {
 // For characters above U+FFFF, which our texts don't have, this isn't right.
 wchar_t LowerCase(wchar_t letter) {
   return static_cast<wchar_t>(reinterpret_cast<UINT_PTR>(CharLowerW(reinterpret_cast<wchar_t*>(UINT_PTR{letter}))));
+}
+
+// A text that isn't among them in the window's language takes a letter that they leave.
+std::wstring MarkInMainWindow(const std::wstring& text) {
+  Mnemonics mnemonics;
+  for (const unsigned id : kMainWindowTexts) {
+    const std::wstring other = LoadLocalizedString(id, app.uiLanguage);
+    const std::wstring marked = mnemonics.Mark(other);
+    if (other == text) return marked;
+  }
+  return mnemonics.Mark(text);
 }
 
 bool BeginsWord(const std::wstring& text, size_t place) { return place == 0 || text[place - 1] == L' '; }
@@ -52,11 +64,9 @@ std::wstring WithoutMnemonic(const std::wstring& text) {
   return escaped;
 }
 
-std::wstring LoadMarkedString(unsigned id) {
-  Mnemonics mnemonics;
-  for (const unsigned other : kMainWindowTexts) {
-    const std::wstring marked = mnemonics.Mark(LoadLocalizedString(other));
-    if (other == id) return marked;
-  }
-  return WithoutMnemonic(LoadLocalizedString(id));
+std::wstring LoadMarkedString(unsigned id) { return MarkInMainWindow(LoadLocalizedString(id)); }
+
+std::wstring MarkAnew(std::wstring marked) {
+  std::erase(marked, L'&');  // these texts have none of their own
+  return MarkInMainWindow(marked);
 }

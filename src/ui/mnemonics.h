@@ -20,5 +20,9 @@ class Mnemonics {
 // A text that can't be chosen with a letter: each "&" is doubled.
 std::wstring WithoutMnemonic(const std::wstring& text);
 
-// The text of a button or a title of the menu bar, marked so that all of the main window can be told apart. Any thread.
+// The text of a button or a title of the menu bar in the calling thread's language, marked so that all of the main
+// window can be told apart, which may have another language by now. Any thread.
 std::wstring LoadMarkedString(unsigned id);
+
+// The same for such a text that has been marked before.
+std::wstring MarkAnew(std::wstring marked);

@@ -30,6 +30,12 @@ void AddPlaceholderRows(HWND itemsView) {
   }
 }
 
+// The window that shows a row's hint would take a "&" in it for the sign of a letter.
+void ShowHintsAsTheyAre(HWND itemsView) {
+  const auto hints = reinterpret_cast<HWND>(SendMessageW(itemsView, LVM_GETTOOLTIPS, 0, 0));
+  SetWindowLongW(hints, GWL_STYLE, GetWindowLongW(hints, GWL_STYLE) | TTS_NOPREFIX);
+}
+
 HWND CreateItemsView(HWND parent) {
   const DWORD style = WS_CHILD | WS_VISIBLE | WS_BORDER | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS |
                       LVS_NOCOLUMNHEADER | LVS_NOSORTHEADER | WS_TABSTOP;
@@ -43,6 +49,7 @@ HWND CreateItemsView(HWND parent) {
   column.cx = Scaled(kItemsPlace.width);
   SendMessageW(view, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
   AddPlaceholderRows(view);
+  ShowHintsAsTheyAre(view);
   return view;
 }
 

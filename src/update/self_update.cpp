@@ -15,6 +15,7 @@
 #include "system/text.h"
 #include "system/threads.h"
 #include "ui/message_boxes.h"
+#include "ui/taskbar.h"
 #include "update/replaced_program.h"
 #include "update/update_dialog.h"
 
@@ -69,6 +70,7 @@ HttpResult DownloadThroughOutage(Update& update, const std::wstring& url) {
 bool OfferRepair(const Update& update) {
   const std::wstring text = FormatErrorMessage(ERROR_ACCESS_DENIED, LoadLocalizedString(STR_FIX_PERMISSIONS));
   const std::wstring caption = LoadLocalizedString(STR_UPDATE);
+  const TaskbarCall call;
   if (MessageBoxW(update.dialog, text.c_str(), caption.c_str(), MB_YESNO | MB_ICONERROR) != IDYES) return false;
   bool repaired = false;
   RunWhileServing(update.dialog, [&] { repaired = RepairPermissions(); });

@@ -1,5 +1,7 @@
-// The program on other desktops than that of most: of other scales, operated with the keyboard.
+// The program on the desktops of other people: at other scales, operated with the keyboard, while data is in use.
 #include "program/installer_test.h"
+#include "resource.h"
+#include "system/files.h"
 
 namespace {
 
@@ -15,6 +17,13 @@ class Desktop : public InstallerTest {
   void TearDown() override {
     RegDeleteKeyValueW(HKEY_CURRENT_USER, kDesktopKey, kDpiValue);
     InstallerTest::TearDown();
+  }
+
+  // Chooses a command. False when it keeps the window from answering for so long, as one does that shows a box.
+  bool IsDoneWithin(std::chrono::milliseconds limit, int command) {
+    DWORD_PTR result = 0;
+    return SendMessageTimeoutW(Window(), WM_COMMAND, static_cast<WPARAM>(command), 0, SMTO_NORMAL,
+                               static_cast<UINT>(limit.count()), &result) != 0;
   }
 
   SIZE ClientSize() {
@@ -63,6 +72,24 @@ TEST_F(Desktop, AnInstallationNeedsNoMouse) {
   ExpectContent(TargetPath(L"N\\b.dat"), second.content);
   ASSERT_TRUE(WaitUntil([&] { return ShownText(focus()) == L"Exit"; }));
   PressKey(focus(), VK_SPACE);
+  ExpectExit();
+}
+
+// That the command is grey meanwhile can't be seen from another process.
+TEST_F(Desktop, DataInUseCantBeDeleted) {
+  const TestPackage package{.filename = "a.dat", .content = "a", .name = "N"};
+  Offer({package});
+  server_->AnswerNext(FilePath(package), {.body = package.content, .stallBeforeAnswer = true});
+  Start(L"install:a.dat source:main");
+  ASSERT_TRUE(server_->WaitForStall());
+  EXPECT_TRUE(IsDoneWithin(std::chrono::seconds(10), COMMAND_DELETE_APP_DATA));
+  server_->Resume();
+  ExpectEnd();
+  // The worker ends in a moment.
+  EXPECT_TRUE(WaitUntil([this] { return !IsDoneWithin(std::chrono::seconds(1), COMMAND_DELETE_APP_DATA); }));
+  AnswerBox(ExpectBox(L"Following data will be deleted"), IDNO);
+  EXPECT_TRUE(PathExists(TempPath(L"a.dat")));
+  Close();
   ExpectExit();
 }
 

@@ -105,6 +105,13 @@ HWND BottomButton(HWND window) {
   return lowest;
 }
 
+bool LabelsShow(HWND window, std::wstring_view part) {
+  const std::vector<HWND> children = VisibleChildren(window);
+  return std::any_of(children.begin(), children.end(), [part](HWND child) {
+    return lstrcmpiW(ClassOf(child).c_str(), WC_STATICW) == 0 && ShownText(child).find(part) != std::wstring::npos;
+  });
+}
+
 std::wstring ShownText(HWND window) {
   const auto length = static_cast<size_t>(Ask(window, WM_GETTEXTLENGTH));
   std::wstring text(length + 1, L'\0');

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/context.h"
@@ -24,6 +25,9 @@ Page PageOf(HWND window);
 HWND ChildAt(HWND window, const wchar_t* windowClass, int x, int y);
 // The only button at the bottom of the components and the installation page: Install, Cancel or Exit.
 HWND BottomButton(HWND window);
+
+// Whether a visible label of the page has this part in its text.
+bool LabelsShow(HWND window, std::wstring_view part);
 
 // What a window or control shows, without the sign of the letter that presses a button. Empty when it doesn't answer.
 std::wstring ShownText(HWND window);

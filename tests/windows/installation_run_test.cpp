@@ -4,7 +4,10 @@
 
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
+#include "support/replaced_import.h"
 #include "support/test_manifest.h"
+
+extern "C" decltype(&SetThreadExecutionState) importedSetExecutionState __asm__("__imp__SetThreadExecutionState@4");
 
 namespace {
 
@@ -42,6 +45,14 @@ class InstallationRunTest : public InstallScenario {
 
   const std::wstring games_ = run_.installPath;
 };
+
+// What the system was asked for, and how many reports had gone out by then. A request holds for its thread.
+std::vector<std::pair<EXECUTION_STATE, size_t>> wakefulness;
+const ScriptedServer* reportServer;
+EXECUTION_STATE WINAPI RecordExecutionState(EXECUTION_STATE state) {
+  wakefulness.emplace_back(state, reportServer->RequestsOf("/play/files/telemetry.php").size());
+  return ES_CONTINUOUS;
+}
 
 }  // namespace
 
@@ -101,5 +112,21 @@ TEST_F(InstallationRunTest, OnlyWhatTheNewestManifestDescribesIsPlaced) {
   Install({"one", "two", "three"}, ManifestOf({{"one", ""}, {"two", ""}}));
   for (const wchar_t* name : {L"one", L"two", L"three"}) {
     EXPECT_EQ(ReadTestFile(games_ + L"\\" + name + L"\\" + name), kOther) << name;
+  }
+}
+
+TEST_F(InstallationRunTest, KeepsTheComputerAwakeFromItsFirstReportToItsLast) {
+  const ReplacedImport setState(importedSetExecutionState, RecordExecutionState);
+  reportServer = &server_;
+  for (const bool givenUp : {false, true}) {
+    const std::string package = givenUp ? "gone" : "there";
+    if (givenUp) server_.Answer("/fox", Serving("", 404));
+    const BoxRecorder boxes(std::deque<int>(givenUp ? 1 : 0, IDNO));
+    const size_t before = Reports().size();
+    wakefulness.clear();
+    Install({package}, ManifestOf({{package, ""}}));
+    const std::vector<std::pair<EXECUTION_STATE, size_t>> expected = {{ES_CONTINUOUS | ES_SYSTEM_REQUIRED, before},
+                                                                      {ES_CONTINUOUS, before + 2}};
+    EXPECT_EQ(wakefulness, expected) << package;
   }
 }

@@ -4,11 +4,11 @@
 #include "app/commands.h"
 #include "app/component_list.h"
 #include "core/localization.h"
+#include "install/run_display.h"
 #include "support/box_recorder.h"
 #include "support/test_manifest.h"
 #include "support/test_window.h"
 #include "ui/mailbox.h"
-#include "ui/mnemonics.h"
 
 namespace {
 
@@ -101,32 +101,43 @@ std::vector<std::wstring> TextsOf(HMENU menu) {
 }
 
 TEST_F(Keyboard, LettersNeverCollideInAnyLanguage) {
-  for (const Page page : {ComponentsPage, InstallPage}) {
+  for (const auto& [language, name] : UiLanguages()) {
+    window_.Run([language = language] { SetUiLanguage(language); });
+    const HMENU menu = GetMenu(window_.Window());
+    for (const int popup : {0, 2}) ExpectLettersOfTheirOwn(TextsOf(GetSubMenu(menu, popup)));
+    ExpectLettersOfTheirOwn(TextsOf(GetSubMenu(GetSubMenu(menu, 0), 0)));
+    std::vector<std::wstring> together = TextsOf(menu);
+    together.push_back(TextOf(window_.Components().selectFolderButton));
+    together.push_back(TextOf(window_.Components().installButton));
+    ExpectLettersOfTheirOwn(together);
+  }
+}
+
+// The button keeps its text when the user changes the language during a run, and the worker keeps its language.
+TEST_F(Keyboard, LettersOfARunNeverCollideWhateverLanguageItBeganIn) {
+  for (const auto& [workers, workersName] : UiLanguages()) {
+    SetThreadLanguage(workers);
     for (const auto& [language, name] : UiLanguages()) {
-      window_.Run([page, language = language] {
-        SetUiLanguage(language);
-        page == InstallPage ? ShowInstallPage() : ShowComponentsPage();
+      window_.Run([first = workers, language = language] {
+        SetUiLanguage(first);
+        ShowInstallPage();
         SetUiLanguage(language);
       });
-      const HMENU menu = GetMenu(window_.Window());
-      for (const int popup : {0, 2}) ExpectLettersOfTheirOwn(TextsOf(GetSubMenu(menu, popup)));
-      ExpectLettersOfTheirOwn(TextsOf(GetSubMenu(GetSubMenu(menu, 0), 0)));
-      std::vector<std::wstring> together = TextsOf(menu);
-      if (page == ComponentsPage) {
-        together.push_back(TextOf(window_.Components().selectFolderButton));
-        together.push_back(TextOf(window_.Components().installButton));
-      } else {
-        together.push_back(TextOf(window_.Installation().deleteTmpCheckbox));
-        together.push_back(TextOf(window_.Installation().cancelButton));
-        window_.Run([&together] { together.push_back(LoadMarkedString(STR_EXIT)); });
+      const InstallPageControls& page = window_.Installation();
+      for (const unsigned shown : {STR_CANCEL, STR_EXIT}) {
+        if (shown == STR_EXIT) OfferExit();
+        std::vector<std::wstring> together = TextsOf(GetMenu(window_.Window()));
+        together.push_back(TextOf(page.deleteTmpCheckbox));
+        together.push_back(TextOf(page.cancelButton));
+        ExpectLettersOfTheirOwn(together);
+        std::erase(together.back(), L'&');
+        EXPECT_EQ(together.back(), LoadLocalizedString(shown));
       }
-      ExpectLettersOfTheirOwn(together);
     }
   }
 }
 
-// What is shown first, of 12 or so lines.
-// Of what is shown when all that was appended is.
+// The first line that is shown, once all that was appended is there.
 LRESULT TopLine(HWND log) {
   Mailbox::Settle(app.mainWindow);
   return SendMessageW(log, EM_GETFIRSTVISIBLELINE, 0, 0);
@@ -145,6 +156,8 @@ TEST_F(Keyboard, TheLogCanBeReadButNotChanged) {
   }
   for (const WPARAM key : {VK_DELETE, VK_BACK}) SendMessageW(log, WM_KEYDOWN, key, 1);
   SendMessageW(log, WM_CHAR, L'x', 1);
+  constexpr LPARAM kWithAlt = 1 << 29;
+  SendMessageW(log, WM_SYSKEYDOWN, VK_BACK, kWithAlt | 1);
   EXPECT_EQ(TextOf(log), text);
 
   SendMessageW(log, WM_KEYDOWN, VK_HOME, 1);

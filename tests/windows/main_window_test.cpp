@@ -65,6 +65,8 @@ TEST_F(MainWindow, ShowsTitlesHintsAndCommands) {
   NMLVGETINFOTIPW tip{{list, 0, static_cast<UINT>(LVN_GETINFOTIPW)}, 0, text, 64, 0, 0, 0};
   Send(WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&tip));
   EXPECT_STREQ(text, L"Hint");
+  const auto hints = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETTOOLTIPS, 0, 0));
+  EXPECT_TRUE(GetWindowLongW(hints, GWL_STYLE) & TTS_NOPREFIX) << "a \"&\" in it is shown";
   GetMenuStringW(GetMenu(window_.Window()), COMMAND_SPEED_LIMIT, text, 64, MF_BYCOMMAND);
   EXPECT_STREQ(text, L"&Set download speed limit");
 }

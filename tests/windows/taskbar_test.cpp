@@ -1,4 +1,4 @@
-// What a run asks of the system: to stay awake, and a taskbar button that tells how far it is.
+// The taskbar button, which tells how far a run is.
 #include "ui/taskbar.h"
 
 #include <shobjidl.h>

@@ -9,6 +9,8 @@
 #include "ui/theme/theme_api.h"
 
 extern "C" decltype(&SystemParametersInfoW) importedSystemParametersInfo __asm__("__imp__SystemParametersInfoW@16");
+extern "C" decltype(&GetSysColor) importedSysColor __asm__("__imp__GetSysColor@4");
+extern "C" decltype(&GetSysColorBrush) importedSysColorBrush __asm__("__imp__GetSysColorBrush@4");
 
 namespace {
 
@@ -109,6 +111,7 @@ TEST_F(DarkMode, InstallationPageFollowsTheUser) {
   }
 }
 
+constexpr COLORREF kContrastWindow = RGB(0, 0, 80), kContrastText = RGB(255, 255, 0);
 bool highContrast;
 decltype(&SystemParametersInfoW) realSystemParametersInfo;
 BOOL WINAPI GiveHighContrast(UINT action, UINT size, void* value, UINT flags) {
@@ -118,15 +121,36 @@ BOOL WINAPI GiveHighContrast(UINT action, UINT size, void* value, UINT flags) {
   return TRUE;
 }
 
-TEST_F(DarkMode, HighContrastWins) {
+COLORREF WINAPI GiveContrastColor(int index) {
+  return index == COLOR_WINDOW ? kContrastWindow : index == COLOR_WINDOWTEXT ? kContrastText : 0;
+}
+HBRUSH WINAPI GiveContrastBrush(int index) {
+  static const HBRUSH brush = CreateSolidBrush(kContrastWindow);
+  return index == COLOR_WINDOW ? brush : nullptr;
+}
+
+TEST_F(DarkMode, HighContrastWinsWithTheSystemsColors) {
   realSystemParametersInfo = importedSystemParametersInfo;
   const ReplacedImport parameters(importedSystemParametersInfo, GiveHighContrast);
-  for (const bool contrast : {false, true}) {
+  const ReplacedImport color(importedSysColor, GiveContrastColor);
+  const ReplacedImport brush(importedSysColorBrush, GiveContrastBrush);
+  const HWND list = window_.Components().itemsView;
+  userWantsDark = true;
+  for (const bool contrast : {true, false}) {
     highContrast = contrast;
-    Choose(true, window_.Window());
+    SendMessageW(window_.Window(), WM_SETTINGCHANGE, SPI_SETHIGHCONTRAST, 0);
     EXPECT_EQ(app.darkMode, !contrast);
     EXPECT_EQ(darkTitleBars[window_.Window()], !contrast);
-    EXPECT_EQ(PixelOf(window_.Window(), 2, 2), contrast ? kWhite : kBlack);
+    const COLORREF background = contrast ? kContrastWindow : kBlack, text = contrast ? kContrastText : kWhite;
+    EXPECT_EQ(PixelOf(window_.Window(), 2, 2), background);
+    EXPECT_EQ(static_cast<COLORREF>(SendMessageW(list, LVM_GETBKCOLOR, 0, 0)), background);
+    EXPECT_EQ(static_cast<COLORREF>(SendMessageW(list, LVM_GETTEXTCOLOR, 0, 0)), text);
+    const HWND label = window_.Components().componentsLabel.Window();
+    EXPECT_EQ(PixelOf(label, 300, 5), background);
+    const HDC dc = GetDC(label);
+    SendMessageW(window_.Window(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(label));
+    EXPECT_EQ(GetTextColor(dc), text);
+    ReleaseDC(label, dc);
   }
 }
 

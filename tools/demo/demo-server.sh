@@ -22,6 +22,10 @@ write_nginx_config "$folder" <<SERVERS
     root $site;
     access_log $build/run/access.log transfers;
     client_body_buffer_size 1m;
+    location = /slow {
+      alias $site/packages/zendora-guide.txt;
+      limit_rate 10k;
+    }
     location = /play/files/repository.php {
       default_type text/xml;
       alias $site/manifest.xml;

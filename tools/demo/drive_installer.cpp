@@ -1,13 +1,14 @@
 // Watches and operates a running installer for the scripts that show it, one step a call:
-//   drive_installer wait components|install|closing   until the page is there and filled
-//   drive_installer show TEXT                         until a detail line of the installation contains the text
+//   drive_installer wait components|install           until the page is there and filled
+//   drive_installer show TEXT                         until a label contains the text
 //   drive_installer yes TEXT                          until a message box asks that; answers it
 //   drive_installer finish                            until the installation has ended
 //   drive_installer log | boxes                       prints the log, or the message boxes that wait for an answer
 //   drive_installer choose NUMBER                     chooses a menu command
 //   drive_installer dialog | dismiss                  until a dialog or message box is open; closes it
+//   drive_installer question                          until a message box asks something
 //   drive_installer close                             closes the window, and waits until it is gone
-//   drive_installer ask-close                         only asks it to close
+//   drive_installer leave                             asks it to close, and waits until it shows that it will
 // The status is 0 when what was waited for happened. A message box that nobody will answer ends every wait.
 #include <windows.h>
 
@@ -52,12 +53,7 @@ bool AwaitPage(Page page) {
 }
 
 bool AwaitText(std::wstring_view text) {
-  return Await([text](HWND window) {
-    for (const HWND label : {ChildAt(window, L"Static", 10, 54), ChildAt(window, L"Static", 10, 123)}) {
-      if (ShownText(label).find(text) != std::wstring::npos) return true;
-    }
-    return false;
-  });
+  return Await([text](HWND window) { return LabelsShow(window, text); });
 }
 
 bool AnswerYes(std::wstring_view question) {
@@ -97,6 +93,10 @@ bool AwaitDialog() {
   return WaitUntil([] { return OpenBox() != nullptr; }, kLimit);
 }
 
+bool AwaitQuestion() {
+  return WaitUntil([] { return GetDlgItem(OpenBox(), IDNO) != nullptr; }, kLimit);
+}
+
 bool Dismiss() {
   const HWND box = OpenBox();
   // A question has no Cancel, and is answered with No.
@@ -114,12 +114,11 @@ bool Close() {
   return WaitUntil([] { return !FindInstallerWindow(); }, kLimit);
 }
 
-bool AskToClose() { return PostMessageW(FindInstallerWindow(), WM_CLOSE, 0, 0); }
+bool Leave() { return PostMessageW(FindInstallerWindow(), WM_CLOSE, 0, 0) && AwaitPage(ClosingPage); }
 
 bool Run(std::string_view step, std::string_view argument) {
   if (step == "wait" && argument == "components") return AwaitPage(ComponentsPage);
   if (step == "wait" && argument == "install") return AwaitPage(InstallPage);
-  if (step == "wait" && argument == "closing") return AwaitPage(ClosingPage);
   if (step == "show") return AwaitText(Utf8ToWide(argument));
   if (step == "yes") return AnswerYes(Utf8ToWide(argument));
   if (step == "finish") return AwaitEnd();
@@ -127,9 +126,10 @@ bool Run(std::string_view step, std::string_view argument) {
   if (step == "boxes") return PrintBoxes();
   if (step == "choose") return Choose(argument);
   if (step == "dialog") return AwaitDialog();
+  if (step == "question") return AwaitQuestion();
   if (step == "dismiss") return Dismiss();
   if (step == "close") return Close();
-  if (step == "ask-close") return AskToClose();
+  if (step == "leave") return Leave();
   std::fprintf(stderr, "unknown step\n");
   return false;
 }

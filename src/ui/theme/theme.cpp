@@ -25,6 +25,22 @@ bool HighContrastActive() {
 
 bool UserWantsDark() { return Theme().ShouldAppsUseDarkMode() && !HighContrastActive(); }
 
+struct Colors {
+  COLORREF text, background;
+};
+
+// Of the window's contents. Who needs high contrast has chosen the system's colours, and what the system draws in them
+// must not stand on ours.
+Colors ContentColors() {
+  if (IsDark()) return {kDarkText, kBlack};
+  if (HighContrastActive()) return {GetSysColor(COLOR_WINDOWTEXT), GetSysColor(COLOR_WINDOW)};
+  return {kBlack, kWhite};
+}
+
+HBRUSH LightBackground() {
+  return HighContrastActive() ? GetSysColorBrush(COLOR_WINDOW) : Brushes().lightBackground.Get();
+}
+
 // A window that was not allowed to be dark when it was created keeps its light title bar.
 void UpdateTitleBarDarkness(HWND window) {
   const ThemeApi& api = Theme();
@@ -47,11 +63,10 @@ void ThemeListView(HWND list) {
   const wchar_t* const style = app.darkMode ? L"ItemsView" : L"Explorer";
   SetStyle(reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)), style);
   SetStyle(list, style);
-  const LPARAM text = app.darkMode ? kWhite : kBlack;
-  const LPARAM background = app.darkMode ? kBlack : kWhite;
-  SendMessageW(list, LVM_SETTEXTCOLOR, 0, text);
-  SendMessageW(list, LVM_SETTEXTBKCOLOR, 0, background);
-  SendMessageW(list, LVM_SETBKCOLOR, 0, background);
+  const Colors colors = ContentColors();
+  SendMessageW(list, LVM_SETTEXTCOLOR, 0, static_cast<LPARAM>(colors.text));
+  SendMessageW(list, LVM_SETTEXTBKCOLOR, 0, static_cast<LPARAM>(colors.background));
+  SendMessageW(list, LVM_SETBKCOLOR, 0, static_cast<LPARAM>(colors.background));
   SendMessageW(list, WM_THEMECHANGED, 0, 0);
 }
 
@@ -67,6 +82,11 @@ BOOL CALLBACK ThemeChildWindow(HWND child, LPARAM) {
   return TRUE;
 }
 
+BOOL CALLBACK TellColorsChanged(HWND child, LPARAM) {
+  SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+  return TRUE;
+}
+
 // Gives a window that is shown the other appearance. Its frame holds the menu bar, and its labels would not be painted
 // anew with a parent that leaves out its children when it paints.
 void ChangeAppearance(HWND window) {
@@ -75,13 +95,13 @@ void ChangeAppearance(HWND window) {
   RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
-// WM_SETTINGCHANGE tells with this text that the user may have chosen other colours.
-bool IsColorSetChange(LPARAM lParam) {
+// WM_SETTINGCHANGE tells with this text, or as a change of the contrast, that the user may have chosen other colours.
+bool IsColorSetChange(WPARAM wParam, LPARAM lParam) {
   const auto changed = reinterpret_cast<const wchar_t*>(lParam);
   const bool isColorSet = changed && CompareStringOrdinal(changed, -1, L"ImmersiveColorSet", -1, TRUE) == CSTR_EQUAL;
   if (isColorSet) Theme().RefreshColorPolicy();
   if (Theme().RefreshHighContrast) Theme().RefreshHighContrast(1);
-  return isColorSet;
+  return isColorSet || wParam == SPI_SETHIGHCONTRAST;
 }
 
 }  // namespace
@@ -134,7 +154,12 @@ void ThemeUnstyledControl(HWND control) {
 void EraseBackground(HWND window, HDC dc) {
   RECT client;
   GetClientRect(window, &client);
-  FillRect(dc, &client, (IsDark() ? Brushes().darkBackground : Brushes().lightBackground).Get());
+  FillRect(dc, &client, IsDark() ? Brushes().darkBackground.Get() : LightBackground());
+}
+
+HBRUSH LightStaticColors(HDC dc) {
+  SetTextColor(dc, ContentColors().text);
+  return LightBackground();
 }
 
 HBRUSH DarkStaticColors(HDC dc) {
@@ -150,8 +175,10 @@ HBRUSH DarkButtonColors(HDC dc) {
   return Brushes().controlBackground.Get();
 }
 
-bool OnMainWindowSettingChange(LPARAM lParam) {
-  if (!app.darkModeSupported || !IsColorSetChange(lParam)) return false;
+void PassColorChange(HWND window) { EnumChildWindows(window, TellColorsChanged, 0); }
+
+bool OnMainWindowSettingChange(WPARAM wParam, LPARAM lParam) {
+  if (!app.darkModeSupported || !IsColorSetChange(wParam, lParam)) return false;
   app.darkMode = UserWantsDark();
   ChangeAppearance(app.mainWindow);
   return true;
@@ -168,8 +195,8 @@ bool DialogThemeChanged(HWND dialog) {
   return app.darkMode;
 }
 
-void DialogSettingChange(HWND dialog, LPARAM lParam) {
-  if (!app.darkModeSupported || !IsColorSetChange(lParam)) return;
+void DialogSettingChange(HWND dialog, WPARAM wParam, LPARAM lParam) {
+  if (!app.darkModeSupported || !IsColorSetChange(wParam, lParam)) return;
   app.darkMode = UserWantsDark();
   SendMessageW(dialog, WM_THEMECHANGED, 0, 0);
 }

@@ -13,7 +13,7 @@ inline constexpr COLORREF kDarkText = kWhite, kDarkDisabledText = RGB(0x40, 0x40
 
 struct ThemeBrushes {
   BrushHandle darkBackground;     // of the main window, its menu bar and the line under that
-  BrushHandle lightBackground;    // of the main window
+  BrushHandle lightBackground;    // of the main window, but with high contrast
   BrushHandle controlBackground;  // behind the controls in dark mode
   BrushHandle menuItemHot;        // an item of the menu bar under the mouse
   BrushHandle menuItemSelected;   // an item of the menu bar whose popup is open
@@ -51,12 +51,18 @@ void EraseBackground(HWND window, HDC dc);
 HBRUSH DarkStaticColors(HDC dc);
 HBRUSH DarkButtonColors(HDC dc);
 
+// The same for what stands on the main window's background in light mode.
+HBRUSH LightStaticColors(HDC dc);
+
+// WM_SYSCOLORCHANGE of the main window, which the system doesn't send to its controls.
+void PassColorChange(HWND window);
+
 // WM_SETTINGCHANGE of the main window. True when the user may have chosen other colours, which it has then.
-bool OnMainWindowSettingChange(LPARAM lParam);
+bool OnMainWindowSettingChange(WPARAM wParam, LPARAM lParam);
 
 // The same for dialogs. WM_INITDIALOG calls DialogDarkInit last. WM_THEMECHANGED calls DialogThemeChanged, which gives
 // the dialog and its controls the current appearance and tells whether that is dark. WM_SETTINGCHANGE calls
 // DialogSettingChange, which sends WM_THEMECHANGED when the user has chosen other colours.
 void DialogDarkInit(HWND dialog);
 bool DialogThemeChanged(HWND dialog);
-void DialogSettingChange(HWND dialog, LPARAM lParam);
+void DialogSettingChange(HWND dialog, WPARAM wParam, LPARAM lParam);
