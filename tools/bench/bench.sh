@@ -106,14 +106,24 @@ tidy() {
 
 # Installs the only package and keeps the figures under a name.
 install_once() {
-  local download hash placing answers
+  local download hash placing answers slowest
   tidy
-  read -r download hash placing answers < <(bench install "$(windows_path "$program")")
+  read -r download hash placing answers slowest < <(bench install "$(windows_path "$program")")
   record "$1-download" "$download"
   record "$1-hash" "$hash"
   record "$1-placing" "$placing"
   record "$1-answers" "$answers"
+  record "$1-slowest" "$slowest"
 }
+
+# say_answers NAME [OTHER OTHER-NAME]
+say_answers() {
+  local ours theirs=
+  ours=$(answers_of "$1")
+  [ $# -eq 1 ] || theirs=$(answers_of "$3")
+  say_row "the window's answer meanwhile (95 %; slowest)" "${2:-}" "$ours" "$theirs" ""
+}
+answers_of() { printf '%.0f ms; %.0f ms' "$(highest "$1-answers")" "$(highest "$1-slowest")"; }
 
 # --- What is measured
 
@@ -144,11 +154,12 @@ measure_download() {
   done
   compare "download of 1 GiB over loopback" "a bare WinINet loop, same chunk" large-download bare-download s
   compare "MD5 of 1 GiB" "\`md5sum\`" large-hash md5sum s
+  say_answers large
 }
 
 # measure_archive NAME UNPACKED-SIZE WHAT: the archive NAME.zip of the site, beside the installer NAME.exe if there is one.
 measure_archive() {
-  local name=$1 what=$3 i archive=$site/packages/$1.zip start end answers
+  local name=$1 what=$3 i archive=$site/packages/$1.zip start end answers slowest
   write_manifest describe_package "$archive" "$2"
   for ((i = 0; i < rounds; ++i)); do
     install_once "$name"
@@ -158,21 +169,21 @@ measure_archive() {
     record "$name-unzip" "$(seconds unzip -qo "$archive" -d "$games")"
     [ -e "$folder/$name.exe" ] || continue
     tidy
-    read -r start end answers < <(bench setup "$(windows_path "$folder/$name.exe")")
+    read -r start end answers slowest < <(bench setup "$(windows_path "$folder/$name.exe")")
     record nsis-start "$start"
     record nsis-placing "$end"
     record nsis-answers "$answers"
+    record nsis-slowest "$slowest"
   done
   compare "$what" "a bare loop over the same zip library" "$name-placing" "$name-bare" s
   compare "" "\`unzip\`" "$name-placing" "$name-unzip" s
-  say_row "the window's answer meanwhile (95 %)" "" "$(printf '%.0f ms' "$(highest "$name-answers")")" "" ""
+  say_answers "$name"
 }
 
 compare_with_nsis() {
   compare "10,000 small files" "an NSIS installer, details shown" many-placing nsis-placing s
   compare "start to a shown window" "the same NSIS installer" start nsis-start s
-  say_row "the window's answer meanwhile (95 %)" "the same NSIS installer" "$(printf '%.0f ms' "$(highest many-answers)")" \
-    "$(printf '%.0f ms' "$(highest nsis-answers)")" ""
+  say_answers many "the same NSIS installer" nsis
   say_row "program file, nothing packed into it" "an NSIS installer of nothing" "$(stat -c %s "$program") bytes" \
     "$(stat -c %s "$folder/empty.exe") bytes" ""
 }
@@ -253,6 +264,7 @@ make_nsis_installer() {
       Name Bench
       OutFile \"$folder/$1.exe\"
       SetCompressor zlib
+      CRCCheck off
       RequestExecutionLevel user
       InstallDir \"$(windows_path "$games/Bench")\"
       ShowInstDetails show
