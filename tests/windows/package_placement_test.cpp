@@ -1,5 +1,6 @@
 #include "install/package_placement.h"
 
+#include "install/manifest_paths.h"
 #include "install/package_paths.h"
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
