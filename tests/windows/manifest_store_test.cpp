@@ -29,8 +29,9 @@ TEST_F(ManifestStore, WhatWasFetchedIsCachedWithoutItsUpdater) {
   EXPECT_EQ(LoadManifest(), 1);
   EXPECT_EQ(CurrentManifest()->packages.at("").title, L"\u0416<");
 
-  const FileHandle held(
-      CreateFileW(app.manifestPath.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  // It may be deleted, but not written to.
+  const FileHandle held(CreateFileW(app.manifestPath.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, 0, nullptr));
   EXPECT_EQ(Fetch("<packages/>"), 0);
   EXPECT_EQ(LastCacheSave(), CacheSave::NotWritable);
   EXPECT_EQ(ReadTestFile(app.manifestPath), cache) << "an older cache stays";
