@@ -42,9 +42,9 @@ TEST(GamePaths, AreReadFromTheViewThatTheGamesWriteTo) {
   write(KEY_WOW64_32KEY, mta + L"\\Common", L"GTA:SA Path", L"C:\\GTA as MTA knows it");
   write(KEY_WOW64_32KEY, gta + L"\\Installation", L"ExePath", program);
   EXPECT_TRUE(DetectGameInstallations(false));
-  EXPECT_EQ(TargetOf("{mtasa_folder}"), L"C:\\MTA");
+  EXPECT_EQ(gamePaths.mtaFolder, L"C:\\MTA");
   EXPECT_EQ(gamePaths.mtaExePath, L"") << "longer than a path";
-  EXPECT_EQ(TargetOf("{gtasa_folder}"), L"C:\\GTA as MTA knows it") << "the program is gone";
+  ASSERT_EQ(gamePaths.gtaFolder, L"C:\\GTA as MTA knows it") << "the program is gone";
   WriteTestFile(program, "content");
   EXPECT_EQ(TargetOf("{gtasa_folder}"), folder.Path());
   for (const std::wstring& key : {mta, gta}) RegDeleteTreeW(HKEY_LOCAL_MACHINE, key.c_str());

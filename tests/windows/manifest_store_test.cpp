@@ -30,14 +30,16 @@ TEST_F(ManifestStore, WhatWasFetchedIsCachedWithoutItsUpdater) {
   EXPECT_EQ(CurrentManifest()->packages.at("").title, L"\u0416<");
 
   // It may be deleted, but not written to.
-  const FileHandle held(CreateFileW(app.manifestPath.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, 0, nullptr));
+  FileHandle held(CreateFileW(app.manifestPath.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, 0, nullptr));
   EXPECT_EQ(Fetch("<packages/>"), 0);
   EXPECT_EQ(LastCacheSave(), CacheSave::NotWritable);
+  held.Reset();
   EXPECT_EQ(ReadTestFile(app.manifestPath), cache) << "an older cache stays";
 }
 
 TEST_F(ManifestStore, ACacheOfTheLastHourSparesTheNetwork) {
+  const BoxRecorder none({});
   Fetch(kPackage);
   ScriptedAnswer packed = Serving("<downloader>" + kPackage + "</downloader>");
   packed.gzip = true;
