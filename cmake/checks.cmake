@@ -30,5 +30,6 @@ set_tests_properties(demo.installation PROPERTIES COST 300)
 # The native tests belong to a build of their own; where that is missing, there are none.
 file(WRITE ${CMAKE_BINARY_DIR}/native_tests.cmake
   "include(\"${CMAKE_SOURCE_DIR}/build/native/CTestTestfile.cmake\" OPTIONAL)\n"
-  "include(\"${CMAKE_SOURCE_DIR}/build/native/publish/CTestTestfile.cmake\" OPTIONAL)\n")
+  "include(\"${CMAKE_SOURCE_DIR}/build/native/publish/CTestTestfile.cmake\" OPTIONAL)\n"
+  "include(\"${CMAKE_SOURCE_DIR}/build/native/tests/fuzz/CTestTestfile.cmake\" OPTIONAL)\n")
 set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/native_tests.cmake)

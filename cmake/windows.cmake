@@ -72,6 +72,9 @@ set_project_options(windows_tests)
 target_precompile_headers(windows_tests REUSE_FROM test_support)
 target_link_libraries(windows_tests PRIVATE test_support)
 
+# An installer program for packages to have.
+add_dependencies(windows_tests demo_setup_program)
+
 file(GLOB program_tests CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/program/*.cpp)
 add_executable(program_tests ${program_tests})
 set_project_options(program_tests)

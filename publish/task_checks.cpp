@@ -5,6 +5,7 @@
 
 #include "ascii.h"
 #include "checks.h"
+#include "install/manifest_paths.h"
 #include "install/package_texts.h"
 #include "system/path_names.h"
 #include "system/text.h"

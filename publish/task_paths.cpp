@@ -4,7 +4,6 @@
 
 #include "ascii.h"
 #include "install/package_texts.h"
-#include "system/path_names.h"
 
 namespace {
 
@@ -25,12 +24,6 @@ std::vector<TaskPath> TaskPathsOf(const PackageEntry& entry) {
   }
   for (const char* name : {"link", "install", "execute"}) AddTask(entry, name, paths);
   return paths;
-}
-
-bool StaysInside(std::wstring_view path) {
-  std::wstring relative = NormalizePath(path);
-  if (!relative.empty() && IsSeparator(relative.front())) relative.erase(0, 1);
-  return relative.empty() || IsSafeRelativePath(relative);
 }
 
 std::string ComparablePath(std::string_view path) {

@@ -16,10 +16,6 @@ struct TaskPath {
 // In the order above; `verify` gives one for each of its pieces.
 std::vector<TaskPath> TaskPathsOf(const PackageEntry& entry);
 
-// Whether the installer takes it for a path below the folder that it is relative to: without "." components, doubled
-// separators and one at the beginning, and then nothing that leads out. The folder itself counts.
-bool StaysInside(std::wstring_view path);
-
 // The path as the program's file system takes it: "\" between components, without empty ones and ".", in lower case.
 // Two paths with the same text are the same place.
 std::string ComparablePath(std::string_view path);

@@ -5,8 +5,8 @@
 
 #include "ascii.h"
 #include "checks.h"
+#include "install/manifest_paths.h"
 #include "package_types.h"
-#include "task_paths.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <shlobj.h>
 
 #include "install/client_config.h"
-#include "install/package_paths.h"
+#include "install/manifest_paths.h"
 #include "install/package_texts.h"
 #include "system/files.h"
 #include "system/path_names.h"
@@ -30,7 +30,7 @@ void RunAddons(const Package& package, const std::string& targetFolder) {
 
 void CreateDesktopLink(const Package& package, const std::wstring& targetFolder) {
   const auto pieces = SplitTaskText(package.link);
-  const std::wstring program = PathInTarget(targetFolder, pieces[0]);
+  const std::wstring program = PathInTarget(targetFolder, Piece(pieces, 0));
   if (!FileExistsNonEmpty(program)) return;
   const std::wstring title = Piece(pieces, 1);
   const std::wstring name = title.empty() ? LastComponent(program) : title;
@@ -46,5 +46,5 @@ void CreateDesktopLink(const Package& package, const std::wstring& targetFolder)
 void RunExecuteTask(const Package& package, const std::wstring& targetFolder) {
   const auto pieces = SplitTaskText(package.execute);
   if (pieces.empty()) return;
-  RunProcess(false, false, PathInTarget(targetFolder, pieces[0]), Piece(pieces, 1));
+  RunProcess(false, false, PathInTarget(targetFolder, Piece(pieces, 0)), Piece(pieces, 1));
 }

@@ -7,6 +7,7 @@
 
 #include "core/context.h"
 #include "core/localization.h"
+#include "install/manifest_paths.h"
 #include "install/package_paths.h"
 #include "install/package_texts.h"
 #include "install/run_display.h"
@@ -55,7 +56,7 @@ bool IsFromPackage(const RunState& run, const Package& package, std::wstring pat
 InstallerCommand CommandOf(const RunState& run, const Package& package, const std::wstring& target) {
   const std::vector<std::string> pieces = SplitTaskText(package.install);
   InstallerCommand command;
-  command.program = PathInTarget(target, pieces[0]);
+  command.program = PathInTarget(target, WidenBytes(pieces[0]));
   const bool own =
       FileExistsNonEmpty(command.program) &&
       IsFromPackage(run, package,

@@ -8,6 +8,7 @@
 #include "core/site.h"
 #include "install/finishing_tasks.h"
 #include "install/game_paths.h"
+#include "install/manifest_paths.h"
 #include "install/package_download.h"
 #include "install/package_paths.h"
 #include "install/package_placement.h"

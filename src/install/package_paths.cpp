@@ -7,29 +7,12 @@
 #include "core/context.h"
 #include "install/browse_for_path.h"
 #include "install/game_paths.h"
-#include "install/package_texts.h"
+#include "install/manifest_paths.h"
 #include "system/files.h"
 #include "system/path_names.h"
 #include "system/text.h"
 
 namespace {
-
-// Empty for the folder that it is relative to.
-std::wstring RelativePath(std::wstring_view path) {
-  std::wstring relative = NormalizePath(path);
-  if (!relative.empty() && IsSeparator(relative.front())) relative.erase(0, 1);
-  return relative;
-}
-
-// The paths that a package names below its target, as they stand in the manifest.
-std::vector<std::wstring> PathsBelowTarget(const Package& package) {
-  std::vector<std::wstring> paths;
-  for (const std::string& piece : SplitTaskText(package.verify)) paths.push_back(WidenBytes(piece));
-  for (const std::string& task : {package.install, package.link, package.execute}) {
-    if (!task.empty()) paths.push_back(WidenBytes(SplitTaskText(task)[0]));
-  }
-  return paths;
-}
 
 // The known path, or what the user picks for it; empty when there is neither.
 std::wstring KnownOrPicked(const std::wstring& known, BrowseMode mode) {
@@ -59,30 +42,12 @@ std::wstring PackageFilePath(const RunState& run, const std::string& filename) {
 
 std::wstring StatRecordPath(const std::wstring& packageFilePath) { return packageFilePath + L".stat"; }
 
-std::optional<std::wstring> FindUnsafePath(const Package& package) {
-  const std::wstring file = WidenBytes(package.filename);
-  if (!IsSafeFileName(file)) return file;
-  std::vector<std::wstring> paths = PathsBelowTarget(package);
-  if (package.folder.empty()) paths.push_back(package.name);
-  for (const std::wstring& path : paths) {
-    const std::wstring relative = RelativePath(path);
-    if (!relative.empty() && !IsSafeRelativePath(relative)) return path;
-  }
-  return std::nullopt;
-}
-
 std::wstring ResolveTargetFolder(const RunState& run, const Package& package) {
   if (!package.folder.empty()) return ResolveFolderPlaceholder(package.folder);
   if (package.name.empty()) return {};
   const auto existing = run.existingFolders.find(package.filename);
   if (existing != run.existingFolders.end() && IsDirectory(existing->second)) return existing->second;
-  const std::wstring name = RelativePath(package.name);
-  const std::wstring target = name.empty() ? run.installPath : JoinPath(run.installPath, name);
-  if (name.empty() || IsSafeRelativePath(name)) CreateDirectories(target);
+  const std::wstring target = PathInTarget(run.installPath, package.name);
+  if (StaysInside(package.name)) CreateDirectories(target);
   return target;
-}
-
-std::wstring PathInTarget(const std::wstring& target, std::string_view path) {
-  const std::wstring relative = RelativePath(WidenBytes(path));
-  return relative.empty() ? target : JoinPath(target, relative);
 }

@@ -5,6 +5,7 @@
 #include "core/context.h"
 #include "core/localization.h"
 #include "install/install_task.h"
+#include "install/manifest_paths.h"
 #include "install/package_paths.h"
 #include "install/package_texts.h"
 #include "install/run_display.h"
@@ -12,6 +13,7 @@
 #include "net/telemetry_reports.h"
 #include "system/files.h"
 #include "system/path_names.h"
+#include "system/text.h"
 #include "ui/message_boxes.h"
 #include "ui/page_controls.h"
 
@@ -57,7 +59,7 @@ void TellWhatIsMissing(const std::wstring& path) {
 // user and the run's error records.
 PlacementResult CheckVerifyList(RunState& run, const Package& package, const std::wstring& target) {
   for (const std::string& piece : SplitTaskText(package.verify)) {
-    const std::wstring path = PathInTarget(target, piece);
+    const std::wstring path = PathInTarget(target, WidenBytes(piece));
     const uint32_t error = FindPath(path);
     if (error == ERROR_SUCCESS) continue;
     run.errorRecords += VerifyFailedRecord(package.filename, error, path);

@@ -40,9 +40,10 @@ bool ParseCache(XMLDocument& document) {
   return false;
 }
 
-std::string Print(const XMLDocument& document) {
+// Without what stands around it: the library reads past text behind the root, but can't always read it again.
+std::string Print(const tinyxml2::XMLElement& root) {
   tinyxml2::XMLPrinter printer;
-  document.Print(&printer);
+  root.Accept(&printer);
   return printer.CStr();
 }
 
@@ -76,7 +77,7 @@ int ManifestDocument::Load() {
   const int count = static_cast<int>(manifest_.packageOrder.size());
   currentManifest.Set(std::move(manifest_));
   if (fromNetwork_) {
-    cacheText.Set(Print(*document_));
+    cacheText.Set(Print(root));
     lastCacheSave = SaveManifestCache();
   }
   return count;
@@ -91,7 +92,6 @@ int LoadManifest() {
 CacheSave SaveManifestCache() {
   const uint32_t error = ReplaceFileContent(app.manifestPath, ToTextFile(*cacheText.Get()));
   if (error == ERROR_SUCCESS) return CacheSave::Saved;
-  DeleteFileW(app.manifestPath.c_str());
   return error == ERROR_DISK_FULL ? CacheSave::DiskFull : CacheSave::NotWritable;
 }
 

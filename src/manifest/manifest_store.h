@@ -62,8 +62,7 @@ enum class CacheSave {
   NotWritable,  // it can't be opened for writing or replaced
 };
 
-// Writes the document last loaded from the network to the cache file. Where that fails, no cache is left: what was
-// there is outdated.
+// Writes the document last loaded from the network to the cache file. Where that fails, what was there stays whole.
 CacheSave SaveManifestCache();
 
 // The outcome of the save in the last Load of a document from the network; Saved before there was one.

@@ -3,6 +3,8 @@
 // Needs windows.h before it.
 #include <shellapi.h>
 
+#include <mutex>
+
 #include "system/com.h"
 #include "system/files.h"
 #include "system/handles.h"
@@ -10,6 +12,11 @@
 #include "system/threads.h"
 
 namespace {
+
+// Of DefaultErrorMode.
+std::mutex errorModeLock;
+int startsUnderWay = 0;
+UINT ownErrorMode = 0;
 
 uint32_t StartWithoutShell(const std::wstring& file, const std::wstring& parameters, const std::wstring& folder) {
   std::wstring commandLine = L" " + parameters;
@@ -39,6 +46,16 @@ SHELLEXECUTEINFOW Describe(const ShellStart& start) {
 }
 
 }  // namespace
+
+DefaultErrorMode::DefaultErrorMode() {
+  const std::lock_guard guard(errorModeLock);
+  if (startsUnderWay++ == 0) ownErrorMode = SetErrorMode(0);
+}
+
+DefaultErrorMode::~DefaultErrorMode() {
+  const std::lock_guard guard(errorModeLock);
+  if (--startsUnderWay == 0) SetErrorMode(ownErrorMode);
+}
 
 uint32_t StartThroughShell(const ShellStart& start) {
   const ComSession session;  // the shell may hand the start on to an extension

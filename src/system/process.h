@@ -7,16 +7,14 @@
 #include <string>
 
 // Programs inherit the error mode of the one that starts them, and with ours would hide that a library of theirs is
-// missing. While this lives, they get the system's.
+// missing. While one of these lives, they get the system's. The mode belongs to the whole process, and two threads may
+// start something at once: the last one brings ours back.
 class DefaultErrorMode {
  public:
-  DefaultErrorMode() : own_(SetErrorMode(0)) {}
-  ~DefaultErrorMode() { SetErrorMode(own_); }
+  DefaultErrorMode();
+  ~DefaultErrorMode();
   DefaultErrorMode(const DefaultErrorMode&) = delete;
   DefaultErrorMode& operator=(const DefaultErrorMode&) = delete;
-
- private:
-  const UINT own_;
 };
 
 // What the shell is to open or start. Without a folder a program starts in ours.

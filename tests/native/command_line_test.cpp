@@ -11,10 +11,3 @@ TEST(CommandLine, IsTakenApartAtEveryBlank) {
   EXPECT_FALSE(ReadCommandLine("source:a updated").updated);
   EXPECT_EQ(ReadCommandLine("install:").installList, Ids{});
 }
-
-TEST(CommandLine, OfAnElevatedStartIsReadBackAsItWasMeant) {
-  const std::vector<std::string> packages = {"gta", "mtasa.exe"};
-  const auto request = ReadCommandLine(InstallCommandLine(packages, "main"));
-  EXPECT_EQ(request.installList, packages);
-  EXPECT_EQ(request.source, "main");
-}

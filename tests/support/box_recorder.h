@@ -14,8 +14,9 @@
 extern "C" decltype(&MessageBoxW) importedMessageBox __asm__("__imp__MessageBoxW@16");
 
 struct RecordedBox {
-  std::wstring text;
-  std::vector<int> buttons;  // their identifiers: IDOK, or IDYES and IDNO
+  std::wstring caption, text;
+  HWND owner = nullptr;
+  UINT type = MB_OK;  // its buttons and icon
 };
 
 class BoxRecorder {
@@ -29,10 +30,10 @@ class BoxRecorder {
   const std::vector<RecordedBox>& Boxes() const { return boxes_; }
 
  private:
-  static int WINAPI Answer(HWND, const wchar_t* text, const wchar_t*, UINT type) {
+  static int WINAPI Answer(HWND owner, const wchar_t* text, const wchar_t* caption, UINT type) {
     const bool isQuestion = (type & MB_TYPEMASK) == MB_YESNO;
     const std::vector<int> buttons = isQuestion ? std::vector<int>{IDYES, IDNO} : std::vector<int>{IDOK};
-    current_->boxes_.push_back({text, buttons});
+    current_->boxes_.push_back({caption, text, owner, type});
     std::deque<int>& answers = current_->answers_;
     EXPECT_FALSE(answers.empty()) << "unexpected message box: " << testing::PrintToString(text);
     if (answers.empty()) return buttons.back();

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <winsock2.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <atomic>
@@ -73,6 +74,23 @@ RecordedRequest ParseRequest(const std::string& raw) {
 
 std::string PathOf(const RecordedRequest& request) { return request.target.substr(0, request.target.find('?')); }
 
+// As gzip packs them.
+std::string Packed(const std::string& bytes) {
+  constexpr int kGzipWindow = MAX_WBITS + 16;
+  z_stream stream = {};
+  deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindow, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY);
+  std::string packed(deflateBound(&stream, static_cast<uLong>(bytes.size())), '\0');
+  std::string source = bytes;  // the library takes no constant bytes
+  stream.next_in = reinterpret_cast<Bytef*>(source.data());
+  stream.avail_in = static_cast<uInt>(source.size());
+  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+  stream.avail_out = static_cast<uInt>(packed.size());
+  EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+  packed.resize(stream.total_out);
+  deflateEnd(&stream);
+  return packed;
+}
+
 // What is sent for one request: the answer's head, and the part of its body that the request asks for.
 struct Response {
   std::string head;
@@ -99,6 +117,7 @@ Response BuildResponse(const RecordedRequest& request, const ScriptedAnswer& ans
   if (answer.announceLength) {
     response.head += "Content-Length: " + std::to_string(response.body.size()) + "\r\n";
   }
+  if (answer.gzip) response.head += "Content-Encoding: gzip\r\n";
   response.head += "\r\n";
   return response;
 }
@@ -249,11 +268,13 @@ ScriptedServer::~ScriptedServer() {
 }
 
 void ScriptedServer::Answer(const std::string& path, ScriptedAnswer answer) {
+  if (answer.gzip) answer.body = Packed(answer.body);
   const std::lock_guard lock(state_->mutex);
   state_->answers[path] = std::move(answer);
 }
 
 void ScriptedServer::AnswerNext(const std::string& path, ScriptedAnswer answer) {
+  if (answer.gzip) answer.body = Packed(answer.body);
   const std::lock_guard lock(state_->mutex);
   state_->nextAnswers[path].push_back(std::move(answer));
 }

@@ -67,6 +67,16 @@ TEST_F(Http, FetchesAnUndecodableBodyAgainWithoutGzip) {
   EXPECT_FALSE(server_.Requests().at(1).headers.contains("accept-encoding"));
 }
 
+TEST_F(Http, APackedBodyIsUnpacked) {
+  ScriptedAnswer packed = Serving(content_), tiny = Serving("a");
+  packed.gzip = tiny.gzip = true;  // a tiny body grows by being packed
+  for (const auto& [answer, content] : {std::pair(packed, content_), {tiny, "a"}}) {
+    const std::string summary = Download(0, answer);
+    EXPECT_TRUE(summary.ends_with(", error 0")) << summary;
+    EXPECT_EQ(ReadTestFile(file_), content);
+  }
+}
+
 TEST_F(Http, AnAnswerThatCantBeTheRestLeavesWhatIsThere) {
   const std::string there = content_.substr(0, 6000);
   WriteTestFile(file_, there);

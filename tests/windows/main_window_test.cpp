@@ -183,6 +183,20 @@ TEST_F(MainWindow, FollowsTheScaleOfTheScreenThatItComesTo) {
   }
 }
 
+TEST_F(MainWindow, TheEndOfTheSessionHasItsReason) {
+  const std::pair<DWORD, CloseReason> cases[] = {{0, SystemShutdown},
+                                                 {ENDSESSION_LOGOFF, LogOff},
+                                                 {ENDSESSION_CRITICAL | ENDSESSION_LOGOFF, CriticalShutdown},
+                                                 {ENDSESSION_CLOSEAPP, ClosedByApplication}};
+  Send(WM_ENDSESSION, FALSE, 0);
+  EXPECT_FALSE(app.cancelRequested) << "another program has refused";
+  for (const auto& [flags, reason] : cases) {
+    Send(WM_ENDSESSION, TRUE, static_cast<LPARAM>(flags));
+    EXPECT_EQ(app.closeReason, reason);
+  }
+  EXPECT_TRUE(app.cancelRequested);
+}
+
 TEST_F(MainWindow, InstallWithoutRightsRelaunchesElevatedWithTheSelection) {
   const ShellRecorder shell;
   app.commandLine = L"install:old source:old";

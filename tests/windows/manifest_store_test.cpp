@@ -28,11 +28,22 @@ TEST_F(ManifestStore, WhatWasFetchedIsCachedWithoutItsUpdater) {
   manifestBuffer.clear();
   EXPECT_EQ(LoadManifest(), 1);
   EXPECT_EQ(CurrentManifest()->packages.at("").title, L"\u0416<");
+
+  // It may be deleted, but not written to.
+  FileHandle held(CreateFileW(app.manifestPath.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, 0, nullptr));
+  EXPECT_EQ(Fetch("<packages/>"), 0);
+  EXPECT_EQ(LastCacheSave(), CacheSave::NotWritable);
+  held.Reset();
+  EXPECT_EQ(ReadTestFile(app.manifestPath), cache) << "an older cache stays";
 }
 
 TEST_F(ManifestStore, ACacheOfTheLastHourSparesTheNetwork) {
+  const BoxRecorder none({});
   Fetch(kPackage);
-  server_.Answer("/play/files/repository.php", Serving("<downloader>" + kPackage + "</downloader>"));
+  ScriptedAnswer packed = Serving("<downloader>" + kPackage + "</downloader>");
+  packed.gzip = true;
+  server_.Answer("/play/files/repository.php", packed);
   for (const auto& [ageSeconds, requests] : {std::pair(3590, 0u), {3610, 1u}, {0, 1u}, {-100, 2u}}) {
     using namespace std::filesystem;
     last_write_time(app.manifestPath, file_time_type::clock::now() - std::chrono::seconds(ageSeconds));

@@ -1,10 +1,19 @@
 #include "install/package_placement.h"
 
+#include <thread>
+
+#include "install/manifest_paths.h"
 #include "install/package_paths.h"
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
+#include "support/installer_window.h"
+#include "support/replaced_import.h"
+#include "support/shell_recorder.h"
 #include "support/zip_builder.h"
+#include "system/path_names.h"
 #include "system/text.h"
+
+extern "C" decltype(&WriteFile) importedWriteFile __asm__("__imp__WriteFile@20");
 
 class PackagePlacementTest : public InstallScenario {
  protected:
@@ -16,6 +25,15 @@ class PackagePlacementTest : public InstallScenario {
     for (const TestEntry& entry : entries) package_.upsize += static_cast<int64_t>(entry.content.size());
   }
   PlacementResult Place() { return PlacePackage(run_, package_, target_); }
+  // A program that runs as a package's installer, from beside the test program.
+  static std::string SetupProgram() {
+    wchar_t own[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, own, MAX_PATH);
+    return ReadTestFile(JoinPath(ParentFolder(own), L"demo_setup_program.exe"));
+  }
+
+  // What that program makes of its arguments.
+  const std::wstring note_ = folder_ / L"note";
 };
 
 TEST_F(PackagePlacementTest, EveryKindOfEntryIsUnpackedOverWhatIsThere) {
@@ -113,4 +131,94 @@ TEST_F(PackagePlacementTest, ProtectedFilesOfAnOlderInstallationAreOverwritten) 
     EXPECT_EQ(ReadTestFile(old), kFox);
     SetFileAttributesW(old.c_str(), FILE_ATTRIBUTE_NORMAL);
   }
+}
+
+// A running game holds the file that is to be written.
+TEST_F(PackagePlacementTest, AFileInUseCountsOnlyIfItHasTheRightSize) {
+  Pack({{"first", "content"}, {"held", kFox}});
+  for (const auto& [content, taken] : {std::pair(kOther, true), {kFox + "!", false}}) {
+    WriteTestFile(target_ + L"\\held", content);
+    const FileHandle held(
+        CreateFileW((target_ + L"\\held").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    const PlacementResult result = Place();
+    EXPECT_EQ(result.ok, taken);
+    EXPECT_EQ(result.error, taken ? 0u : DWORD{ERROR_SHARING_VIOLATION});
+    EXPECT_EQ(ReadTestFile(target_ + L"\\held"), content);
+  }
+  EXPECT_EQ(window_.LogLines().rbegin()[1], L"[ERROR] Invalid zip handle (32) (held)");
+  EXPECT_EQ(run_.errorRecords, IncompleteExtractionRecord("fox", ERROR_SHARING_VIOLATION, 0, 7, 50));
+  EXPECT_TRUE(Place().ok) << "the game has ended";
+  EXPECT_EQ(ReadTestFile(target_ + L"\\held"), kFox);
+}
+
+// Somebody cancels while the first bytes are written.
+static BOOL WINAPI WriteAndCancel(HANDLE file, const void* bytes, DWORD count, DWORD* written, OVERLAPPED* overlapped) {
+  static const auto write = reinterpret_cast<decltype(&WriteFile)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "WriteFile")));
+  app.cancelRequested.Utter();
+  return write(file, bytes, count, written, overlapped);
+}
+
+TEST_F(PackagePlacementTest, ACancelEndsTheExtractionWithinAnEntry) {
+  Pack({{"large", std::string(1'000'000, 'x')}, {"second", "content"}});
+  {
+    const ReplacedImport writeFile(importedWriteFile, WriteAndCancel);
+    EXPECT_FALSE(Place().ok);
+  }
+  EXPECT_EQ(FileSize(target_ + L"\\large"), 4096u);
+  EXPECT_FALSE(PathExists(target_ + L"\\second"));
+}
+
+TEST_F(PackagePlacementTest, OnlyThePackagesOwnInstallerIsRun) {
+  const std::string program = SetupProgram();
+  const struct {
+    const char* what;
+    bool packed;
+    std::string install;
+  } cases[] = {{"the downloaded file", false, "setup.exe"},  // though somebody has planted another one
+               {"the unpacked file", true, "/setup.exe"},
+               {"the downloaded file, without a name", false, ""}};
+  for (const auto& [what, packed, install] : cases) {
+    SCOPED_TRACE(what);
+    const BoxRecorder none({});
+    if (packed) {
+      Pack({{"setup.exe", program}});
+    } else {
+      WriteTestFile(file_, program);
+      package_.filetype = kInstallerType;
+      WriteTestFile(target_ + L"\\setup.exe", "planted");
+    }
+    package_.install = install + "|/note " + WideToUtf8(note_);
+    EXPECT_TRUE(Place().ok);
+    EXPECT_EQ(ReadTestFile(note_), "started\n");
+    DeleteFileW(note_.c_str());
+  }
+}
+
+TEST_F(PackagePlacementTest, AnInstallerThatDoesntStartIsShownToTheUser) {
+  const BoxRecorder boxes({IDYES});
+  const ShellRecorder shell;
+  WriteTestFile(file_, kFox);
+  package_.filetype = kInstallerType;
+  package_.install = "|/S";
+  const uint32_t error = Place().error;
+  EXPECT_NE(error, 0u);
+  EXPECT_EQ(run_.errorRecords, InstallerNotStartedRecord("fox", error));
+  EXPECT_EQ(boxes.Boxes().at(0).text,
+            L"Unable to start the process\n\nYou can try to start this process manually:\n" + file_ + L"\n\nOpen?");
+  EXPECT_EQ(shell.Starts().at(0).parameters, L"/select, " + file_);
+}
+
+TEST_F(PackagePlacementTest, ACancelEndsTheInstaller) {
+  WriteTestFile(file_, SetupProgram());
+  package_.filetype = kInstallerType;
+  package_.install = "|/hold " + WideToUtf8(note_);
+  std::thread user([this] {
+    EXPECT_TRUE(WaitUntil([this] { return PathExists(note_); }));
+    EXPECT_FALSE(DeleteFileW(note_.c_str())) << "the installer runs";
+    app.cancelRequested.Utter();
+  });
+  EXPECT_TRUE(Place().ok) << "it counts as placed";
+  user.join();
+  EXPECT_TRUE(WaitUntil([this] { return DeleteFileW(note_.c_str()) != FALSE; }));
 }

@@ -1,9 +1,6 @@
-#include "ui/message_boxes.h"
-
 #include "core/permissions.h"
-#include "net/error_text.h"
-#include "support/box_recorder.h"
 #include "support/shell_recorder.h"
+#include "ui/message_boxes.h"
 
 TEST(RepairPermissions, GrantsFoldersToUserAndUsersGroup) {
   EXPECT_EQ(BuildRepairParameters(L"C:\\Data", L"Ann"),
@@ -20,13 +17,4 @@ TEST(RunProcess, StartsAProgramInItsFolder) {
   EXPECT_EQ(start.parameters, L"a b");
   EXPECT_EQ(start.folder, L"C:\\Games\\Play");
   EXPECT_TRUE(start.flags & SEE_MASK_NOASYNC);
-}
-
-// A person who refused the consent prompt must not get the program without elevation instead.
-TEST(RunProcess, RefusedElevationIsTold) {
-  const ShellRecorder shell(ERROR_CANCELLED);
-  const BoxRecorder boxes({IDOK});
-  EXPECT_FALSE(RunProcess(true, true, L"setup.exe", L"a b"));
-  EXPECT_EQ(boxes.Boxes().at(0).text, L"Error: 1223\n" + GetErrorText(ERROR_CANCELLED) + L"\nFile: setup.exe\n\n" +
-                                          L"Please start Zendora Installer with Administrator privileges");
 }

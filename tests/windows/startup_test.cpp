@@ -1,6 +1,7 @@
 // What start-up settles before there is a window.
 #include <gtest/gtest.h>
 
+#include "app/single_instance.h"
 #include "core/context.h"
 #include "core/settings.h"
 #include "support/temp_folder.h"
@@ -33,6 +34,17 @@ TEST(Settings, OnlyAValidUuidTakesThePlaceOfTheMachines) {
                     static_cast<DWORD>(stored.size() + 1));
     LoadSettings();
     EXPECT_EQ(app.uuid, stored == valid ? valid : machines);
+  }
+}
+
+TEST(CommandLine, OnlyAnUpdatedProgramRemovesItsPredecessor) {
+  const TempFolder folder;
+  app.backupPath = folder / L"old.exe.backup";
+  for (const auto& [line, removes] : {std::pair(L"source:a updated", false), {L"updated source:b", true}}) {
+    WriteTestFile(app.backupPath, "the old program");
+    ParseCommandLine(line);
+    EXPECT_EQ(PathExists(app.backupPath), !removes) << line;
+    EXPECT_EQ(*app.selectedSource.Get(), removes ? "b" : "a");
   }
 }
 

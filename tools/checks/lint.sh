@@ -52,7 +52,8 @@ check_python() {
 
 # C0103: this project's variables are written in small letters. C0111: a comment stands where a name doesn't say it all.
 check_cmake() {
-  cmake-lint --line-width=120 --disabled-codes C0103 C0111 --suppress-decorations -- CMakeLists.txt publish/CMakeLists.txt cmake/*.cmake
+  cmake-lint --line-width=120 --disabled-codes C0103 C0111 --suppress-decorations -- CMakeLists.txt publish/CMakeLists.txt \
+    tests/fuzz/CMakeLists.txt cmake/*.cmake
 }
 
 failed=0

@@ -2,6 +2,7 @@
 // folder that it is given, and its registry entries.
 //   mtasa.exe FOLDER          installs into the folder
 //   mtasa.exe /note FILE      only writes a file, to show that it was started
+//   mtasa.exe /hold FILE      makes a file and keeps it open until it is ended
 #include <windows.h>
 
 #include <filesystem>
@@ -44,13 +45,22 @@ bool InstallInto(const std::filesystem::path& folder) {
          WriteRegistryText(key, L"Last Run Path", program.wstring());
 }
 
+int HoldFile(const std::wstring& path) {
+  const HANDLE file =
+      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return 1;
+  Sleep(INFINITE);
+  return 0;
+}
+
 }  // namespace
 
 // The command line is read as one path, so that a folder with blanks needs no quotation marks.
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, wchar_t* commandLine, int) {
   std::wstring arguments = commandLine;
-  const std::wstring note = L"/note ";
+  const std::wstring note = L"/note ", hold = L"/hold ";
   if (arguments.rfind(note, 0) == 0) return WriteText(arguments.substr(note.size()), "started\n") ? 0 : 1;
+  if (arguments.rfind(hold, 0) == 0) return HoldFile(arguments.substr(hold.size()));
   if (arguments.empty()) return 1;
   return InstallInto(arguments) ? 0 : 1;
 }

@@ -7,6 +7,8 @@ packages=(
   g++ g++-mingw-w64-i686-posix binutils-mingw-w64-i686 cmake ninja-build dpkg-dev ca-certificates
   # what zendora-publish is made with, and what signs the program
   libcli11-dev nlohmann-json3-dev libcurl4-openssl-dev libssl-dev osslsigncode
+  # the fuzzers' compiler
+  clang libclang-rt-14-dev
   # the linters
   clang-format clang-tidy cppcheck shellcheck pylint cmake-format cloc
   # Wine, with both word sizes and TLS for each
