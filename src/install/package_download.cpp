@@ -72,6 +72,8 @@ SourceOutcome ReactToMismatch(PackageDownload& download, const std::string& sour
   RunState& run = download.run;
   run.errorRecords +=
       MismatchRecord(download.package.filename, source, result.statusCode, fileSize, hash, run.manifestRefreshed);
+  // A page that stands in for the package is the beginning of nothing.
+  if (result.isPage) DeleteFileW(download.file.c_str());
   download.offset = ResumeOffset(download);
   if (run.manifestRefreshed) return {SourceOutcome::Failed, ERROR_INVALID_DATA};
   run.manifestRefreshed = true;

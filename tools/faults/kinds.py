@@ -134,6 +134,13 @@ def no_name(point):
     for_a_while(point, begin, point.machine.name_hosts)
 
 
+def circle(point):
+    """For some time, since Wine goes round until the program has had enough of it. Windows counts."""
+    target = somewhere(point)
+    point.fault(target, [answers.redirect_in_circle], standing=True)
+    point.after(point.rng.uniform(0.2, 6), point.site.mend)
+
+
 def report(point):
     manner = point.rng.choice(("silent", "silent", "closed", "reset"))
     point.fault("report", [answers.cut(point.rng.choice(("before", "head")), manner, point.rng)], standing=True)
@@ -233,7 +240,7 @@ KINDS = [
     Kind("status-503", bad(lambda rng: answers.status(503, Retry_After="1"))),
     Kind("redirect-to-another-host", bad(lambda rng: answers.redirect_to_mirror)),
     Kind("redirect-to-http", bad(lambda rng: answers.redirect_to_http)),
-    Kind("redirect-in-circle", bad(lambda rng: answers.redirect_in_circle)),
+    Kind("redirect-in-circle", circle),
     Kind("portal-instead-of-all", bad(answers.portal)),
     Kind("portal-instead-of-rest", instead_of_rest(answers.portal)),
     Kind("wrong-bytes", bad(answers.wrong_bytes, ("archive", "plain")), destroys=True),

@@ -39,7 +39,7 @@ def serve(build, program, patience):
             kind, seed, index = line.split()
             shutil.rmtree(folder)
             folder.mkdir()
-            shutil.copyfile(program, machine.path(points.PROGRAM))
+            machine.path(points.PROGRAM).write_bytes(equipment.program)
             result = points.Point(equipment, kinds[kind], seed, int(index)).run()
             print(json.dumps(dataclasses.asdict(result)), flush=True)
         player.leave()

@@ -266,4 +266,5 @@ class Point:
             raise Broken(f"written elsewhere: {sorted(changed)[:5]}")
 
     def tell_more(self):
-        self.result.story += ["asked for: " + ", ".join(self.site.requests), *self.player.log()[-25:]]
+        asked = self.site.requests
+        self.result.story += [f"asked for {len(asked)}: " + ", ".join(asked[-30:]), *self.player.log()[-25:]]

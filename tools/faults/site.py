@@ -119,14 +119,15 @@ class Answer:
         self.line.settle()
         self.line.stretch = stretch
         self.site.carried.setdefault(self.target, []).append(stretch)
-        begin = time.monotonic()
+        due = time.monotonic()
         while stretch[1] < end:
             piece = self.content[stretch[1]:min(end, stretch[1] + PIECE)]
             self.send(piece)
             stretch[1] += len(piece)
-            ahead = begin + (stretch[1] - first) / self.site.rate - time.monotonic()
-            if ahead > 0:
-                time.sleep(ahead)
+            # A line doesn't get faster to make up for a moment when it was slow.
+            now = time.monotonic()
+            due = max(due + len(piece) / self.site.rate, now)
+            time.sleep(due - now)
 
     def hang_up(self):
         self.line.delivers = True
