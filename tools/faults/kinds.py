@@ -21,6 +21,7 @@ class Kind:
     name: str
     set_up: Callable[[Point], None]
     destroys: bool = False  # what was downloaded, or the chance to go on with it
+    no_room: bool = False  # what comes can't be kept, so it is no loss
     may_close: bool = True  # now and then the window is closed in the middle of it
     temporary: str = TEMPORARY
     games: str = GAMES
@@ -252,11 +253,11 @@ KINDS = [
     Kind("tls-foreign-certificate", certificate("foreign")),
     Kind("tls-expired-certificate", certificate("expired")),
     Kind("report-unanswered", report),
-    Kind("full-disk-temporary", full_temporary, temporary=FULL_DISK + "\\temporary"),
+    Kind("full-disk-temporary", full_temporary, no_room=True, temporary=FULL_DISK + "\\temporary"),
     Kind("full-disk-games", full_games, games=FULL_DISK + "\\games"),
-    Kind("read-only-temporary", protected, temporary=LOCKED_DISK + "\\temporary"),
+    Kind("read-only-temporary", protected, no_room=True, temporary=LOCKED_DISK + "\\temporary"),
     Kind("read-only-games", protected, games=LOCKED_DISK + "\\games"),
-    Kind("held-download", held_download),
+    Kind("held-download", held_download, no_room=True),
     Kind("held-game-file", held_game),
     Kind("killed", killed(), may_close=False),
     Kind("record-truncated", killed(truncate_records), destroys=True, may_close=False),

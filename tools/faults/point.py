@@ -189,6 +189,8 @@ class Point:
         if self.result.asked and not self.warned and len(self.result.story) > 40:
             raise Broken("it asks again and again")
         self.result.asked = self.warned = True
+        if self.kind.no_room:
+            self.count_what_is_there()
         self.mend()
         if "try again?" in text:
             self.player.step("answer", "yes")
@@ -208,7 +210,7 @@ class Point:
         self.start()
 
     def count_what_is_there(self):
-        """What the system still takes off the line while a program closes it has not been downloaded."""
+        """What the system takes off the line while a program gives it up has not been downloaded."""
         self.site.hang_up()
         self.site.mended.clear()
         for target in ("archive", "plain"):
@@ -267,4 +269,4 @@ class Point:
 
     def tell_more(self):
         asked = self.site.requests
-        self.result.story += [f"asked for {len(asked)}: " + ", ".join(asked[-30:]), *self.player.log()[-25:]]
+        self.result.story += [f"carried: {self.site.carried}"[:1000], f"asked for {len(asked)}: " + ", ".join(asked[-30:]), *self.player.log()[-25:]]

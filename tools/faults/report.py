@@ -1,4 +1,8 @@
 """The table of what became of all points, as Markdown."""
+import re
+import subprocess
+import time
+
 HEADINGS = ("fault", "points", "ended by itself", "asked, then went on", "closed meanwhile, slowest", "carried twice",
             "failures")
 
@@ -30,3 +34,11 @@ def failure(result, seed):
     story = "\n    ".join(result["story"])
     return (f"FAILED {result['kind']}: {result['failure']}\n"
             f"    tools/fault-matrix --kind {result['kind']} --seed {seed} --point {result['index']}\n    {story}")
+
+
+def write(page, text, summary):
+    """Puts the table into the page, with the day and the commit."""
+    commit = subprocess.run(["git", "rev-parse", "--short", "HEAD"], capture_output=True, text=True, check=True).stdout
+    place = re.compile("(?<=<!-- faults -->\n).*(?=<!-- end of faults -->)", re.DOTALL)
+    told = f"{time.strftime('%Y-%m-%d')}, commit {commit.strip()}: {summary}."
+    page.write_text(place.sub(lambda _: f"\n{told}\n\n{text}\n\n", page.read_text("utf-8")), "utf-8")

@@ -24,7 +24,7 @@ class Line:
         raw.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
         self.socket = raw
         self.received = b""
-        self.stretch = [0, 0]  # first and end of the file bytes sent last
+        self.target, self.stretch = "", [0, 0]  # first and end of the file bytes sent last
         self.delivers = False  # closed in order: what is still under way arrives
 
     def secure(self, context):
@@ -116,14 +116,14 @@ class Answer:
     def send_file(self, first, end):
         """Sends these bytes of the file at the site's rate, and counts them."""
         stretch = [first, first]
-        self.line.settle()
-        self.line.stretch = stretch
-        self.site.carried.setdefault(self.target, []).append(stretch)
+        self.site.begin_stretch(self.line, self.target, stretch)
         due = time.monotonic()
-        while stretch[1] < end:
-            piece = self.content[stretch[1]:min(end, stretch[1] + PIECE)]
+        while first < end:
+            piece = self.content[first:min(end, first + PIECE)]
             self.send(piece)
-            stretch[1] += len(piece)
+            first += len(piece)
+            if self.line.stretch is stretch:
+                stretch[1] = first
             # A line doesn't get faster to make up for a moment when it was slow.
             now = time.monotonic()
             due = max(due + len(piece) / self.site.rate, now)
@@ -299,6 +299,17 @@ class Site:
             self.shut_down(line)
         for thread in threads:
             thread.join(10)
+
+    def begin_stretch(self, line, target, stretch):
+        """Whoever asks for a file has given up the connections on which it came before, although Wine may still take off
+        them what comes."""
+        with self.lock:
+            for other in self.lines:
+                if other.target == target:
+                    other.settle()
+            line.settle()
+            line.target, line.stretch = target, stretch
+            self.carried.setdefault(target, []).append(stretch)
 
     def total(self):
         """How many bytes of files have been sent so far."""
