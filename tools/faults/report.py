@@ -36,9 +36,12 @@ def failure(result, seed):
             f"    tools/fault-matrix --kind {result['kind']} --seed {seed} --point {result['index']}\n    {story}")
 
 
+def commit():
+    return subprocess.run(["git", "rev-parse", "--short", "HEAD"], capture_output=True, text=True, check=True).stdout.strip()
+
+
 def write(page, text, summary):
-    """Puts the table into the page, with the day and the commit."""
-    commit = subprocess.run(["git", "rev-parse", "--short", "HEAD"], capture_output=True, text=True, check=True).stdout
+    """Puts the table into the page, with the day."""
     place = re.compile("(?<=<!-- faults -->\n).*(?=<!-- end of faults -->)", re.DOTALL)
-    told = f"{time.strftime('%Y-%m-%d')}, commit {commit.strip()}: {summary}."
+    told = f"{time.strftime('%Y-%m-%d')}, {summary}."
     page.write_text(place.sub(lambda _: f"\n{told}\n\n{text}\n\n", page.read_text("utf-8")), "utf-8")
