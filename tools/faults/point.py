@@ -48,6 +48,7 @@ class Point:
         self.temporary, self.games = kind.temporary, kind.games
         self.arguments = f"install:{ARCHIVE},{PLAIN} source:main"
         self.free_folders = ["C:\\users\\root\\AppData\\Roaming\\Zendora\\Installer"]  # of the program's own
+        self.before_start = lambda: None
         self.moments = []  # (condition, action): what is to happen while the program runs
         self.begin = self.started = 0.0
         self.scheme, self.mirrored = "http", False
@@ -143,6 +144,7 @@ class Point:
         return self.temporary, self.games, *self.free_folders
 
     def start(self):
+        self.before_start()
         self.note("start")
         self.warned = False
         self.player.must("start", PROGRAM, self.arguments)

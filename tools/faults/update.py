@@ -10,6 +10,7 @@ from faults.site import HOST, MIRROR, REPOSITORY
 def announce(point):
     """The list announces a new program, the old one with a few bytes more, to whoever has the old one."""
     point.arguments = ""
+    point.before_start = lambda: let_an_hour_pass(point)
     point.free_folders.append(points.PROGRAM_FOLDER)
     new = point.program + b"newer"
     addresses = [f"{point.scheme}://{HOST}/new.exe"]
@@ -72,7 +73,6 @@ def find_successor(point):
             if not point.warned:
                 raise points.Broken("it ended without a word")
             point.mend()
-            let_an_hour_pass(point)
             point.start()
             return
     point.note("relaunched")
@@ -85,12 +85,12 @@ def let_an_hour_pass(point):
         os.utime(cache, (0, 0))
 
 
-def met_by(make, most=3):
+def met_by(make, most=3, standing=0.2):
     def set_up(point):
         announce(point)
         rng = point.rng
         host = HOST if rng.random() < 0.5 else None
-        point.fault("update", [make(rng) for _ in range(rng.randint(1, most))], rng.random() < 0.2, host)
+        point.fault("update", [make(rng) for _ in range(rng.randint(1, most))], rng.random() < standing, host)
 
     return set_up
 
@@ -116,7 +116,7 @@ def kill(point):
 FAULTS = [
     ("closed", met_by(cut("closed")), True),
     ("reset", met_by(cut("reset")), True),
-    ("silent", met_by(cut("silent"), 2), True),
+    ("silent", met_by(cut("silent"), 2, 0), True),
     ("status", met_by(lambda rng: answers.status(rng.choice((404, 500, 503)))), True),
     ("shorter", met_by(answers.shorter), True),
     ("wrong-bytes", met_by(answers.wrong_bytes), True),

@@ -1,11 +1,10 @@
 #!/usr/bin/env bash
 # Runs a command with a virtual display of its own and a fresh copy of this project's Wine prefix; both end with it. The
-# display is reached through the network's abstract sockets alone, so that each private network has its own ":0"; a lock
-# file would be shared by them all.
+# display is reached through the network's abstract sockets alone, so that each private network has its own ":0".
 #   tools/harness/with-display.sh COMMAND [ARGUMENT...]
 source "$(dirname "$0")/../common.sh"
 
-exec 3< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp -nolisten unix -nolock -dpi 96 2>/dev/null)
+exec 3< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp -nolisten unix -dpi 96 2>/dev/null)
 display_server=$!
 trap 'kill "$display_server" 2>/dev/null || true' EXIT
 read -r display <&3 || die "the virtual display did not start"
