@@ -16,6 +16,7 @@ PROGRAM = PROGRAM_FOLDER + "\\" + PROGRAM_FILE
 
 CLOSE_LIMIT = 5  # seconds that a process may take to end
 TWICE_LIMIT = 0.02  # of the bytes; again for each time that the process was killed while they came
+MOST_BOXES = 10
 RETRYABLE = {12002, 12007, 12029, 12030, 12031}
 
 
@@ -29,6 +30,7 @@ class Result:
     index: int
     asked: bool = False  # a box said why, or the player started the program again
     kills: int = 0
+    wine: str = ""  # the assertion with which a library of Wine has ended the process
     closings: list = field(default_factory=list)  # seconds from the request to close until the process had ended
     twice: float = 0.0  # share of the packages' bytes that were carried more than once
     failure: str = ""
@@ -53,6 +55,7 @@ class Point:
         self.begin = self.started = 0.0
         self.scheme, self.mirrored = "http", False
         self.warned = False  # by a box, since the program was started
+        self.boxes = 0
 
     # --- For the kinds
 
@@ -163,9 +166,21 @@ class Point:
             event = self.player.watch(25)
             if event[0] == "box":
                 self.answer(*event[1:])
+            elif event[0] == "exited" and self.ended_by_wine():
+                self.start()
             elif until(event):
                 return
         raise Broken("it neither ends nor asks")
+
+    def ended_by_wine(self):
+        """Whether a library of Wine has given up; to the installation that is one more way to be killed."""
+        assertion = self.player.failed_assertion()
+        if not assertion:
+            return False
+        self.note(assertion)
+        self.result.wine = assertion
+        self.result.kills += 1
+        return True
 
     def attend_installation(self):
         """Until everything is installed."""
@@ -188,9 +203,10 @@ class Point:
         self.note(f"[{caption}] {text!r}")
         if not text.strip():
             raise Broken("a box without a word")
-        if self.result.asked and not self.warned and len(self.result.story) > 40:
-            raise Broken("it asks again and again")
         self.result.asked = self.warned = True
+        self.boxes += 1
+        if self.boxes > MOST_BOXES:
+            raise Broken("it asks again and again")
         if self.kind.no_room:
             self.count_what_is_there()
         self.mend()

@@ -3,7 +3,7 @@ import re
 import subprocess
 import time
 
-HEADINGS = ("fault", "points", "ended by itself", "asked, then went on", "closed meanwhile, slowest", "carried twice",
+HEADINGS = ("fault", "points", "ended by itself", "asked, then went on", "closed, slowest", "carried twice",
             "failures")
 
 
@@ -12,7 +12,7 @@ def row(kind, results):
     closings = [seconds for result in results for seconds in result["closings"]]
     twice = "not counted" if kind.destroys else f"{100 * max((r['twice'] for r in fine), default=0):.1f} %"
     return (kind.name, len(results), sum(not r["asked"] for r in fine), sum(r["asked"] for r in fine),
-            f"{len(closings)}, {max(closings):.1f} s" if closings else "-", twice, len(results) - len(fine))
+            f"{len(closings)} times, {max(closings):.1f} s" if closings else "-", twice, len(results) - len(fine))
 
 
 def table(kinds, results):
@@ -24,7 +24,7 @@ def table(kinds, results):
             rows.append(row(kind, of_kind))
     closings = [seconds for result in results for seconds in result["closings"]]
     rows.append(("all", *(sum(r[column] for r in rows) for column in (1, 2, 3)),
-                 f"{len(closings)}, {max(closings, default=0):.1f} s", "", sum(r[6] for r in rows)))
+                 f"{len(closings)} times, {max(closings, default=0):.1f} s", "", sum(r[6] for r in rows)))
     lines = [HEADINGS, ("---",) * len(HEADINGS), *rows]
     return "\n".join("| " + " | ".join(map(str, line)) + " |" for line in lines)
 
