@@ -15,9 +15,11 @@
 // Needs windows.h before it.
 #include <tlhelp32.h>
 
+#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include "support/installer_window.h"
 #include "system/files.h"

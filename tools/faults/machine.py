@@ -9,7 +9,7 @@ from pathlib import Path
 HOSTS = Path("/etc/hosts")
 RECEIVE_BUFFERS = Path("/proc/sys/net/ipv4/tcp_rmem")
 # Where the system keeps lists of its own about every request, beside what programs let it keep.
-SYSTEM_LISTS = "users/root/AppData/Local/Microsoft/Windows/*/index.dat"
+SYSTEM_LISTS = "users/*/AppData/Local/Microsoft/Windows/*/index.dat"
 ROOMY = 64 * 1024 * 1024
 
 
@@ -17,6 +17,8 @@ class Machine:
     def __init__(self, drive):
         self.drive = drive
         self.names = HOSTS.read_bytes()
+        user = next(folder.name for folder in (drive / "users").iterdir() if folder.name != "Public")
+        self.program_data = f"C:\\users\\{user}\\AppData\\Roaming\\Zendora\\Installer"
         # What is on its way to a process that is ended is lost. It is little on a real line; here it could be megabytes.
         RECEIVE_BUFFERS.write_bytes(b"4096 16384 32768")
         subprocess.run(["ip", "link", "set", "lo", "mtu", "1500"], check=True)

@@ -49,7 +49,7 @@ class Point:
         self.result = Result(kind.name, index)
         self.temporary, self.games = kind.temporary, kind.games
         self.arguments = f"install:{ARCHIVE},{PLAIN} source:main"
-        self.free_folders = ["C:\\users\\root\\AppData\\Roaming\\Zendora\\Installer"]  # of the program's own
+        self.free_folders = [self.machine.program_data]  # where it may write beside them
         self.before_start = lambda: None
         self.moments = []  # (condition, action): what is to happen while the program runs
         self.begin = self.started = 0.0
