@@ -13,6 +13,7 @@ endforeach()
 add_check(executable shipping tools/checks/check-executable)
 add_check(release shipping tests/publish/release-test.sh)
 add_check(installation demo ./run --headless)
+add_check(matrix faults tools/fault-matrix --points 1 --seed 1 --lanes 3)  # the same points each time
 add_check(site publish
   tools/harness/private-network.sh tests/publish/check-site-test.sh build/publish/zendora-publish)
 add_check(windows publish tests/publish/windows-tool-test.sh)
@@ -25,6 +26,7 @@ set_tests_properties(lint.tidy lint.cppcheck shipping.release publish.guide PROP
   PROCESSORS 2 RESOURCE_LOCK processors)
 set_tests_properties(lint.tidy PROPERTIES COST 1000)
 set_tests_properties(shipping.release PROPERTIES COST 500 TIMEOUT 1800)
+set_tests_properties(faults.matrix PROPERTIES PROCESSORS 2 COST 400)
 set_tests_properties(demo.installation PROPERTIES COST 300)
 
 # The native tests belong to a build of their own; where that is missing, there are none.

@@ -90,6 +90,11 @@ add_executable(drive_installer ${CMAKE_SOURCE_DIR}/tools/demo/drive_installer.cp
 set_project_options(drive_installer)
 target_link_libraries(drive_installer PRIVATE test_support)
 
+# The eyes and hands of tools/fault-matrix.
+add_executable(attend_installer ${CMAKE_SOURCE_DIR}/tools/faults/attend_installer.cpp)
+set_project_options(attend_installer)
+target_link_libraries(attend_installer PRIVATE test_support)
+
 add_executable(bench ${CMAKE_SOURCE_DIR}/tools/bench/bench.cpp)
 set_project_options(bench)
 target_link_libraries(bench PRIVATE test_support)

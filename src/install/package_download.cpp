@@ -72,6 +72,8 @@ SourceOutcome ReactToMismatch(PackageDownload& download, const std::string& sour
   RunState& run = download.run;
   run.errorRecords +=
       MismatchRecord(download.package.filename, source, result.statusCode, fileSize, hash, run.manifestRefreshed);
+  // A page that stands in for the package is the beginning of nothing.
+  if (result.isPage) DeleteFileW(download.file.c_str());
   download.offset = ResumeOffset(download);
   if (run.manifestRefreshed) return {SourceOutcome::Failed, ERROR_INVALID_DATA};
   run.manifestRefreshed = true;
@@ -210,10 +212,14 @@ void StartOver(PackageDownload& download) {
   if (!download.stale) WriteStatRecord(download);
 }
 
-// Proves a file that an earlier run has brought whole. False when it isn't right, or when hashing was cancelled.
+// Proves a file that an earlier run has brought whole. False when it isn't right, when hashing was cancelled, and when
+// the file is download.held.
 bool ProvePresentFile(PackageDownload& download) {
   FileHandle held;
-  const std::string hash = HoldFile(download.file, held) == ERROR_SUCCESS ? HashPackageFile(download.file) : "";
+  const uint32_t error = HoldFile(download.file, held);
+  download.held = error == ERROR_SHARING_VIOLATION;
+  if (app.cancelRequested || download.held) return false;
+  const std::string hash = error == ERROR_SUCCESS ? HashPackageFile(download.file) : "";
   if (app.cancelRequested) return false;
   const bool right = hash == download.package.md5;
   AppendLog((right ? L"File exists. Hash is ok (" : L"File exists. Hash mismatch (") + WidenBytes(hash) + L")");
@@ -269,6 +275,8 @@ DownloadOutcome DownloadPackage(RunState& run, const Package& package, size_t in
                            PackageFilePath(run, package.filename)};
   if (TakeUpEarlierFile(download)) return CountAsDownloaded(download);
   if (app.cancelRequested) return DownloadOutcome::Cancelled;
+  // A transfer would begin anew as soon as the other program lets go.
+  if (download.held) return AskAfterFailure(package, ERROR_SHARING_VIOLATION);
 
   const SourceOutcome outcome = TrySources(download);
   switch (outcome.state) {

@@ -16,6 +16,7 @@ struct PackageDownload {
   std::wstring file;    // path of the package file
   uint64_t offset = 0;  // where the next transfer starts
   bool stale = false;   // what is there belongs to another package and could not be removed
+  bool held = false;    // the whole file is there, but another program keeps it from being proven
 };
 
 // Where a transfer that goes on with the present file starts: 0 when the file can't become right by getting longer.

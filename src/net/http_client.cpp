@@ -105,6 +105,7 @@ uint32_t TakeHead(const HttpHead& head, uint64_t rangeStart, HttpResult& result)
   if (head.statusCode == 0) return ERROR_INTERNET_CONNECTION_ABORTED;
   if (!IsAccepted(head)) return ERROR_SUCCESS;
   result.total = head.announced;
+  result.isPage = head.isPage && head.statusCode == HTTP_STATUS_OK;
   return CanFollow(head, rangeStart) ? ERROR_SUCCESS : uint32_t{ERROR_HTTP_INVALID_SERVER_RESPONSE};
 }
 

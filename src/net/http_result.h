@@ -18,6 +18,7 @@ struct HttpResult {
   uint32_t statusCode = 0;  // 0 when there was no response
   uint64_t received = 0;    // body bytes
   bool cutShort = false;    // the body ended before its announced length, whatever was there before
+  bool isPage = false;      // the body is a page (text/html) that came as a whole, such as one to sign in
 };
 
 // A body that can't be decoded. The headers have no name for it.

@@ -46,7 +46,7 @@ check_shell() {
 # Faults, not matters of taste: as with clang-tidy.
 check_python() {
   local scripts
-  mapfile -t scripts < <(scripts_for python3)
+  mapfile -t scripts < <(scripts_for python3 && find tools -name '*.py')
   pylint --score=no --disable=all --enable=E,F,W "${scripts[@]}"
 }
 

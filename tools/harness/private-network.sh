@@ -20,4 +20,6 @@ site_hosts=$(sed -n 's|^ZENDORA_SITE_BASE:STRING=https\?://||p' "$build"/*/CMake
 printf '127.0.0.1 localhost mirror.zendora.example %s %s\n' zendora.example "$site_hosts" >"$hosts"
 mount --bind "$hosts" /etc/hosts
 rm -f "$hosts"
+# Displays write their keymaps here, by number, and each network has its own number 0.
+[ ! -d /var/lib/xkb ] || mount -t tmpfs none /var/lib/xkb
 exec "$@"
