@@ -173,14 +173,10 @@ void UnpackEntries(Extraction& extraction) {
   if (position != kZipEndOfEntries) extraction.sum.flawless = false;
 }
 
-// What falls short without an error was announced imprecisely; a file that could not be written is missing, however
-// small it is.
 bool IsComplete(const Extraction& extraction) {
   const uint64_t written = extraction.sum.written, upsize = extraction.upsize;
   if (upsize == 0) return extraction.sum.flawless;
-  if (written >= upsize) return true;
-  const bool nearly = static_cast<double>(written) / static_cast<double>(upsize) >= kCompleteRatio;
-  return nearly && extraction.sum.error == ERROR_SUCCESS;
+  return written >= upsize || static_cast<double>(written) / static_cast<double>(upsize) >= kCompleteRatio;
 }
 
 }  // namespace

@@ -64,17 +64,6 @@ TEST_F(PackagePlacementTest, AnArchiveIsCompleteFrom99PercentOn) {
   }
 }
 
-TEST_F(PackagePlacementTest, ASmallFileThatCannotBeWrittenIsMissed) {
-  Pack({{"small.txt", "new"}, {"large.bin", std::string(10'000, 'x')}});
-  const std::wstring old = target_ + L"\\small.txt";
-  WriteTestFile(old, "an older version");
-  FileHandle held(CreateFileW(old.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-  EXPECT_EQ(Place().error, ERROR_SHARING_VIOLATION);
-  held.Reset();
-  EXPECT_TRUE(Place().ok);
-  EXPECT_EQ(ReadTestFile(old), "new");
-}
-
 TEST_F(PackagePlacementTest, WhatIsSkippedOrSpoiltDoesNotCount) {
   Pack({{"good.txt", "good"}, {.name = "bad.txt", .content = "some content", .stored = true}, {"../\nup.txt", "bad"}});
   std::string bytes = ReadTestFile(file_);
