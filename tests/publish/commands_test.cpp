@@ -154,13 +154,13 @@ TEST(Updater, DescribesOurProgramAndRefusesEverythingElse) {
 TEST(Findings, ArePrintedLikeACompilersInTheOrderOfLines) {
   Findings findings{"m.xml", {}};
   Reporter(findings, "md5", "world.zip").Error(23, "md5 must be lower case");
-  Reporter(findings, "group", "a\x1b[31mb").Warning(7, "there is no group");
+  Reporter(findings, "group", "a\x1b[31mb\u009B31mc").Warning(7, "there is no group");
   Reporter(findings, "site-manifest").Note(0, "differs");
   std::ostringstream text, json;
   PrintFindings(text, findings);
   EXPECT_EQ(text.str(),
             "m.xml: note: differs [site-manifest]\n"
-            "m.xml:7: warning: a?[31mb: there is no group [group]\n"
+            "m.xml:7: warning: a?[31mb?31mc: there is no group [group]\n"
             "m.xml:23: error: world.zip: md5 must be lower case [md5]\n"
             "m.xml: 1 error, 1 warning\n");
   PrintFindingsAsJson(json, findings);

@@ -43,6 +43,7 @@ void ExpectFound(const Mistake& mistake) {
 
   const Findings findings = CheckSite(site);
   EXPECT_EQ(std::count_if(findings.list.begin(), findings.list.end(), hasMessage), 1) << AllLines(findings);
+  EXPECT_EQ(AllLines(findings).find("SECRET"), std::string::npos) << "a password is printed";
 
   const Findings without = CheckSite(site, {mistake.check});
   EXPECT_TRUE(std::none_of(without.list.begin(), without.list.end(), hasMessage)) << AllLines(without);
