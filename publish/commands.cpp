@@ -106,8 +106,12 @@ int RunCheckSite(const CheckSiteArguments& arguments) {
   if (!manifest) return Refuse("can't read \"" + arguments.manifest + "\"");
   if (!manifest->root) return Refuse("\"" + arguments.manifest + "\" is no manifest; zendora-publish check tells why");
   if (const std::string fault = AddressFault(arguments.site); !fault.empty()) return Refuse(fault);
-  if (!arguments.caFile.empty() && !SizeOfFile(arguments.caFile))
-    return Refuse("can't read \"" + arguments.caFile + "\"");
+  if (!arguments.caFile.empty()) {
+    const auto certificates = ReadFile(arguments.caFile);
+    if (!certificates) return Refuse("can't read \"" + arguments.caFile + "\"");
+    if (certificates->find("-----BEGIN ") == std::string::npos)
+      return Refuse("\"" + arguments.caFile + "\" holds no certificate");
+  }
   const SiteFindings result =
       CheckSite(*manifest, {arguments.site, arguments.download, arguments.caFile, TerminalProgress()});
   const int code = Tell(result.findings, arguments.strict, arguments.json);

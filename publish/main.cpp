@@ -127,7 +127,10 @@ int Main(std::vector<std::string> arguments) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kClean : kUnusable;
   }
-  return code;
+  std::cout.flush();
+  if (std::cout) return code;
+  std::cerr << "zendora-publish: the output can't be written\n";
+  return kUnusable;
 }
 
 // Out of memory, or a fault of ours.

@@ -32,7 +32,10 @@ void CheckNumber(const PackageEntry& entry, const char* name, const char* conseq
 }
 
 void CheckSize(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
-  CheckNumber(entry, "size", "; every download would count as a mismatch", report);
+  // Without an md5 whatever arrives is taken.
+  const char* consequence = entry.package.md5.empty() ? "; the player isn't told how much there is to download"
+                                                      : "; every download would count as a mismatch";
+  CheckNumber(entry, "size", consequence, report);
 }
 
 void CheckUpsize(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {

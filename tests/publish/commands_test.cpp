@@ -151,6 +151,18 @@ TEST(Updater, DescribesOurProgramAndRefusesEverythingElse) {
   EXPECT_NE(DescribeUpdater(site.File("new.exe"), {"zendora.example/new.exe"}, "").refusal, "");
 }
 
+TEST(Disk, ReplacesWhatALinkPointsToAndNoOtherFile) {
+  const GoodSite site;
+  WriteBytes(site.File("link.new"), "the user's own");
+  std::filesystem::create_symlink(site.File("guide.txt"), site.File("link"));
+  ASSERT_TRUE(ReplaceFile(site.File("link"), "new"));
+  EXPECT_EQ(ReadBytes(site.File("guide.txt")), "new");
+  EXPECT_EQ(ReadBytes(site.File("link.new")), "the user's own");
+  EXPECT_TRUE(std::filesystem::is_symlink(site.File("link")));
+  const std::filesystem::directory_iterator files(site.Files());
+  EXPECT_EQ(std::distance(begin(files), end(files)), 5);
+}
+
 TEST(Findings, ArePrintedLikeACompilersInTheOrderOfLines) {
   Findings findings{"m.xml", {}};
   Reporter(findings, "md5", "world.zip").Error(23, "md5 must be lower case");

@@ -144,6 +144,9 @@ const Mistake kMistakes[] = {
        site.Refill();
        site.Replace("<upsize value=\"0\"", "<upsize value=\"1\"");
      }},
+    {"size",
+     "error: guide.txt: size is 0; the player isn't told",
+     {{"<size value=\"15\"", "<size value=\"0\""}, {"<md5 value=\"" + kGuideMd5 + "\"/>", ""}}},
     {"upsize", "error: client.exe: upsize is 0", {{"<upsize value=\"777\"", "<upsize value=\"0\""}}},
     {"upsize",
      "error: client.exe: upsize \"-1\" is not a number of bytes",

@@ -57,6 +57,25 @@ TEST(Mistakes, EachInAFileIsFoundByItsCheck) {
   for (const Mistake& mistake : FileMistakes()) ExpectFound(mistake);
 }
 
+// How often something is read for a manifest with this many packages, each of which names what only another one of the
+// same folder brings.
+size_t ReadsOfPackagesInOneFolder(size_t count) {
+  const GoodSite site;
+  const size_t begin = site.manifest.find("    <package>\n"), end = site.manifest.find("    <package>\n", begin + 1);
+  std::string packages;
+  for (size_t i = 0; i < count; ++i) packages += site.manifest.substr(begin, end - begin);
+  std::string text = site.manifest.substr(0, begin) + packages + site.manifest.substr(end);
+  for (size_t at = 0; (at = text.find("game.exe|data/maps", at)) != std::string::npos;) text.replace(at, 4, "gone");
+  size_t reads = 0;
+  CheckManifest(*ParseManifestText("m", text),
+                {.filesFolder = site.Files(), .progress = [&](const std::string&, uint64_t, uint64_t) { ++reads; }});
+  return reads;
+}
+
+TEST(Mistakes, AreLookedForOnceInEachPackageOfAFolder) {
+  EXPECT_LT(ReadsOfPackagesInOneFolder(40), 6 * ReadsOfPackagesInOneFolder(10));
+}
+
 TEST(Mistakes, EveryCheckHasOne) {
   std::set<std::string_view> checks;
   for (const Mistake& mistake : ManifestMistakes()) checks.insert(mistake.check);
