@@ -19,6 +19,9 @@ std::string_view AuthorityOf(std::string_view url) {
   return url.substr(0, url.find_first_of("/?#"));
 }
 
+// Where the colon before a port stands; those of an IPv6 address stand in brackets.
+size_t PortAt(std::string_view authority) { return authority.find(':', authority.rfind(']') + 1); }
+
 bool IsUrlCharacter(char c) {
   return c > ' ' && c < 0x7F && std::string_view("\"<>\\^`{|}").find(c) == std::string_view::npos;
 }
@@ -43,8 +46,7 @@ std::string AddressFault(std::string_view url) {
     return subject + "holds a blank or another character that must be written as %..";
   }
   if (authority.empty()) return subject + "has no host";
-  // The colons of an IPv6 address stand in brackets.
-  if (authority.find(':', authority.rfind(']') + 1) != std::string_view::npos)
+  if (PortAt(authority) != std::string_view::npos)
     return subject + "names a port; the installer always asks the usual one";
   return "";
 }
@@ -64,7 +66,7 @@ std::string SiteOf(std::string_view url) {
 
 std::string HostOf(std::string_view url) {
   const std::string_view authority = AuthorityOf(url);
-  return LowerAscii(authority.substr(0, authority.find(':')));
+  return LowerAscii(authority.substr(0, PortAt(authority)));
 }
 
 std::string UrlEscaped(std::string_view name) {

@@ -35,6 +35,8 @@ printf 'no manifest' >site/play/files/broken.php
 openssl req -x509 -newkey rsa:2048 -nodes -days 5 -subj /CN=mirror.zendora.example \
   -keyout mirror-tls/key.pem -out mirror-tls/certificate.pem 2>/dev/null
 
+sleep 1 # so that less than five days are left of it
+
 write_nginx_config "$folder" <<SERVERS
   default_type text/plain;
   server {
@@ -45,6 +47,7 @@ write_nginx_config "$folder" <<SERVERS
     root $folder/site;
     location = /play/files/kept.php { add_header Cache-Control "public, max-age=600"; alias $folder/site/play/files/repository.php; }
     location = /files/no-ranges { max_ranges 0; alias $folder/site/files/good; }
+    location = /files/closed { return 444; }
     location = /files/encoded { add_header Content-Encoding gzip; alias $folder/site/files/good; }
     location = /files/elsewhere { return 302 $site/files/good; }
     location = /files/downgraded { return 302 http://zendora.example/files/good; }
@@ -123,6 +126,10 @@ expect 1 'is no manifest [site-manifest]' "$site/files/good" "$site/play/files/b
 expect 0 'may be kept by caches' "$site/files/good" "$site/play/files/kept.php" "${trust[@]}"
 expect 3 'files/good: ' https://nowhere.zendora.example/files/good "$site" "${trust[@]}"
 expect 0 'is http: everybody' "$site/files/good" "http${site#https}" "${trust[@]}"
+two_sources() { printf '%s"/><source key="other" url="%s' "$1" "$2"; }
+expect 3 'nowhere.zendora.example: not asked any more, for 1 address' \
+  "$(two_sources https://nowhere.zendora.example/a https://nowhere.zendora.example/b)" "$site" "${trust[@]}"
+expect 3 '/files/shorter has 5 bytes' "$(two_sources "$site/files/shorter" "$site/files/closed")" "$site" "${trust[@]}"
 rm site/play/index.html
 expect 1 'it is where players are sent for the latest version [site-page]' "$site/files/good" "$site" "${trust[@]}"
 expect 2 'must begin with https:// or http://' "$site/files/good" zendora.example

@@ -34,6 +34,22 @@ TEST(Mistakes, AGoodSiteHasNone) {
   EXPECT_TRUE(findings.list.empty()) << AllLines(findings);
 }
 
+TEST(Mistakes, NoneIsSeenInWhatTheInstallerTakes) {
+  constexpr std::pair<const char*, const char*> kEdits[] = {
+      {"filesize=\"123456\"", "filesize=\"0x1E240\""},
+      {"<addon", "</tasks><tasks><addon"},
+      {"<source key=\"mirror\" url", "</sources><sources><source key=\"mirror\" url"},
+      {"value=\"3\"", "value=\"{0002DF01-0000-0000-C000-000000000046}\""},
+      {"https://zendora.example/packages/guide.txt", "https://[::1]/guide.txt"},
+      {"HKEY_CURRENT_USER\\Software\\World", "Software\\World"},
+  };
+  for (const auto& [from, to] : kEdits) {
+    GoodSite site;
+    site.Replace(from, to);
+    EXPECT_EQ(AllLines(CheckSite(site)), "") << to;
+  }
+}
+
 void ExpectFound(const Mistake& mistake) {
   SCOPED_TRACE(mistake.message);
   GoodSite site;
