@@ -52,6 +52,9 @@ Progress ProgressOf(const Run& run, const PackageEntry& entry) {
   };
 }
 
+// Another name would be looked for elsewhere; its own check tells of it.
+bool IsPlainFileName(const std::string& name) { return IsSafeFileName(WidenBytes(name)); }
+
 // An installer program may bring anything; of it nothing is asked.
 bool LacksPlaces(const PackageEntry& entry, const PackageFile& file) {
   const Package& package = entry.package;
@@ -70,7 +73,7 @@ const std::set<std::string>& PlacesOfTarget(Run& run, const Package& package) {
   if (!isNew) return found->second;
   for (const PackageEntry& entry : run.manifest.packages) {
     const Package& other = entry.package;
-    if (other.folder != package.folder || other.name != package.name) continue;
+    if (other.folder != package.folder || other.name != package.name || !IsPlainFileName(other.filename)) continue;
     if (other.filetype == kZipType) {
       const std::string path = PackagePath(*run.options.filesFolder, other);
       found->second.merge(SurveyArchive(path, "", Unpack::No, ProgressOf(run, entry)).places);
@@ -83,8 +86,7 @@ const std::set<std::string>& PlacesOfTarget(Run& run, const Package& package) {
 
 void CheckPackageFile(Run& run, const PackageEntry& entry) {
   const Package& package = entry.package;
-  // A name that is no plain file name would be looked for elsewhere; its own check tells of it.
-  if (!run.options.filesFolder || !IsSafeFileName(WidenBytes(package.filename))) return;
+  if (!run.options.filesFolder || !IsPlainFileName(package.filename)) return;
   PackageFile file = SurveyPackageFile(PackagePath(*run.options.filesFolder, package), package.filetype == kZipType,
                                        package.password, ProgressOf(run, entry));
   if (LacksPlaces(entry, file)) file.placesOfTarget = &PlacesOfTarget(run, package);

@@ -109,6 +109,14 @@ int RefuseExtras(const std::vector<std::string>& extras) {
   return kUnusable;
 }
 
+// The exit code, unless what was printed went nowhere.
+int Flushed(int code) {
+  std::cout.flush();
+  if (std::cout) return code;
+  std::cerr << "zendora-publish: the output can't be written\n";
+  return kUnusable;
+}
+
 // The arguments in UTF-8, without the program's own name, in the order that the parser's vector form takes them.
 int Main(std::vector<std::string> arguments) {
   CLI::App app(kAbout, "zendora-publish");
@@ -125,12 +133,9 @@ int Main(std::vector<std::string> arguments) {
   } catch (const CLI::ExtrasError&) {
     return RefuseExtras(app.remaining(true));
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kClean : kUnusable;
+    return Flushed(app.exit(error) == 0 ? kClean : kUnusable);
   }
-  std::cout.flush();
-  if (std::cout) return code;
-  std::cerr << "zendora-publish: the output can't be written\n";
-  return kUnusable;
+  return Flushed(code);
 }
 
 // Out of memory, or a fault of ours.

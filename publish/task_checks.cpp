@@ -164,8 +164,8 @@ void CheckUselessPlaceholders(const PackageEntry& entry, const ManifestFile&, co
   const XMLElement* folderName = entry.Child("name");
   const std::string name = folderName ? AttributeOf(*folderName, "value") : "";
   if (package.folder.empty() && (LooksLikePlaceholder(name) || IsKnownFolder(name))) {
-    report.Error(entry.LineOf("name"),
-                 "the name " + Quoted(name) + " is no placeholder; write <folder value=" + Quoted(name) + "/>");
+    report.Error(entry.LineOf("name"), "no placeholder is replaced in the name " + Quoted(name) +
+                                           "; one for a known folder belongs into <folder value=\"...\"/>");
   }
 }
 

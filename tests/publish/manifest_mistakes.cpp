@@ -240,7 +240,7 @@ const Mistake kMistakes[] = {
      "error: world.zip: no placeholder is replaced in args of <execute>, \"{install_path}\\x\"",
      {{"args=\"/first\"", "args=\"{install_path}\\x\""}}},
     {"placeholder-place",
-     "error: world.zip: the name \"{gtasa_folder}\" is no placeholder; write <folder",
+     "error: world.zip: no placeholder is replaced in the name \"{gtasa_folder}\"",
      {{"<name value=\"World\"", "<name value=\"{gtasa_folder}\""}}},
     {"task-ascii",
      "warning: world.zip: letters beyond ASCII in title of <link>",
