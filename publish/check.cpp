@@ -1,6 +1,7 @@
 #include "check.h"
 
 #include <algorithm>
+#include <map>
 
 #include "checks.h"
 #include "package_types.h"
@@ -15,6 +16,7 @@ struct Run {
   const ManifestFile& manifest;
   const CheckOptions& options;
   Findings& findings;
+  std::map<std::pair<std::string, std::wstring>, std::set<std::string>> placesOfTargets = {};  // by folder and name
 };
 
 // Calls run(check, reporter) for each check of a table that isn't skipped.
@@ -40,27 +42,6 @@ void RunFileChecks(Run& run, std::span<const FileCheck> checks, const PackageEnt
             [&](const FileCheck& check, const Reporter& report) { check.run(entry, file, report); });
 }
 
-bool LacksPlaces(const PackageEntry& entry, const PackageFile& file) {
-  const std::vector<TaskPath> paths = TaskPathsOf(entry);
-  return std::any_of(paths.begin(), paths.end(),
-                     [&](const TaskPath& task) { return !file.archive.places.contains(ComparablePath(task.path)); });
-}
-
-// What other packages bring into the same folder may serve this one, too. Looked up when it is needed, so that no more
-// than one package's list is kept.
-void AddNeighbourPlaces(const Run& run, const PackageEntry& entry, PackageFile& file) {
-  for (const PackageEntry& other : run.manifest.packages) {
-    const Package& package = other.package;
-    if (&other == &entry || package.folder != entry.package.folder || package.name != entry.package.name) continue;
-    if (package.filetype == kZipType) {
-      file.neighbourPlaces.merge(
-          SurveyArchive(PackagePath(*run.options.filesFolder, package), "", Unpack::No, {}).places);
-    } else {
-      file.neighbourPlaces.insert(ComparablePath(package.filename));
-    }
-  }
-}
-
 // The progress of one package, which tells also how far the whole manifest is.
 Progress ProgressOf(const Run& run, const PackageEntry& entry) {
   if (!run.options.progress) return {};
@@ -71,13 +52,44 @@ Progress ProgressOf(const Run& run, const PackageEntry& entry) {
   };
 }
 
+// Another name would be looked for elsewhere; its own check tells of it.
+bool IsPlainFileName(const std::string& name) { return IsSafeFileName(WidenBytes(name)); }
+
+// An installer program may bring anything; of it nothing is asked.
+bool LacksPlaces(const PackageEntry& entry, const PackageFile& file) {
+  const Package& package = entry.package;
+  if (package.filetype == kInstallerType) return false;
+  const std::vector<TaskPath> paths = TaskPathsOf(entry);
+  return std::any_of(paths.begin(), paths.end(), [&](const TaskPath& task) {
+    const std::string place = ComparablePath(task.path);
+    return package.filetype == kZipType ? !file.archive.places.contains(place)
+                                        : place != ComparablePath(package.filename);
+  });
+}
+
+// What all packages with the same target bring there. Packages of one game may be many, so it is put together once.
+const std::set<std::string>& PlacesOfTarget(Run& run, const Package& package) {
+  const auto [found, isNew] = run.placesOfTargets.try_emplace({package.folder, package.name});
+  if (!isNew) return found->second;
+  for (const PackageEntry& entry : run.manifest.packages) {
+    const Package& other = entry.package;
+    if (other.folder != package.folder || other.name != package.name || !IsPlainFileName(other.filename)) continue;
+    if (other.filetype == kZipType) {
+      const std::string path = PackagePath(*run.options.filesFolder, other);
+      found->second.merge(SurveyArchive(path, "", Unpack::No, ProgressOf(run, entry)).places);
+    } else {
+      found->second.insert(ComparablePath(other.filename));
+    }
+  }
+  return found->second;
+}
+
 void CheckPackageFile(Run& run, const PackageEntry& entry) {
   const Package& package = entry.package;
-  // A name that is no plain file name would be looked for elsewhere; its own check tells of it.
-  if (!run.options.filesFolder || !IsSafeFileName(WidenBytes(package.filename))) return;
+  if (!run.options.filesFolder || !IsPlainFileName(package.filename)) return;
   PackageFile file = SurveyPackageFile(PackagePath(*run.options.filesFolder, package), package.filetype == kZipType,
                                        package.password, ProgressOf(run, entry));
-  if (LacksPlaces(entry, file)) AddNeighbourPlaces(run, entry, file);
+  if (LacksPlaces(entry, file)) file.placesOfTarget = &PlacesOfTarget(run, package);
   RunFileChecks(run, FileChecks(), entry, file);
   RunFileChecks(run, ArchiveChecks(), entry, file);
 }

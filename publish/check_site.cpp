@@ -28,24 +28,33 @@ struct SiteCheck {
   const SiteOptions& options;
   SiteFindings result;
   HttpProbe probe;
-  std::set<std::string> seenSites;    // "https://host" whose certificate and other port were looked at
-  std::set<std::string> silentHosts;  // that didn't answer; nothing more is asked of them
+  std::set<std::string> seenSites;            // "https://host" whose certificate and other port were looked at
+  std::map<std::string, size_t> silentHosts;  // without a connection, and how many addresses weren't asked for it
 
   Reporter Report(const char* check, std::string_view subject = "") { return {result.findings, check, subject}; }
 };
 
-// Sends the request unless the host is known to be silent. False when there is no answer, which is then told.
+// Sends the request unless there is no connection to the host. False when there is no answer, which is then told.
 bool Ask(SiteCheck& check, const ProbeRequest& request, const Reporter& report, int line, ProbeAnswer& answer) {
   const std::string host = HostOf(request.url);
-  if (check.silentHosts.contains(host)) return false;
+  if (const auto silent = check.silentHosts.find(host); silent != check.silentHosts.end()) {
+    ++silent->second;
+    return false;
+  }
   answer = check.probe.Get(request, check.options.progress);
   if (answer.failure.empty()) return true;
-  if (answer.unreachable) {
-    check.silentHosts.insert(host);
-    check.result.unreachable = true;
-  }
+  if (answer.unreachable) check.result.unreachable = true;
+  if (!answer.connected) check.silentHosts.emplace(host, 0);
   report.Error(line, request.url + ": " + answer.failure);
   return false;
+}
+
+void TellWhatWasNotAsked(SiteCheck& check) {
+  for (const auto& [host, count] : check.silentHosts) {
+    if (count == 0) continue;
+    check.Report("site-host")
+        .Note(0, host + ": not asked any more, for " + Counted(count, "address") + "; it has no connection");
+  }
 }
 
 bool IsRedirectToHttp(const ProbeRequest& request, const ProbeAnswer& answer) {
@@ -95,15 +104,17 @@ void CheckHostOnce(SiteCheck& check, const std::string& url, const ProbeAnswer& 
   CheckOtherPort(check, url, line);
 }
 
-void CheckWhole(SiteCheck& check, const Download& download) {
+// Whether the file is there at all.
+bool CheckWhole(SiteCheck& check, const Download& download) {
   const Reporter report = check.Report("site-file", download.subject);
   const ProbeRequest request{.url = download.url, .body = check.options.download ? Body::Hash : Body::Drop};
   ProbeAnswer answer;
-  if (!Ask(check, request, report, download.line, answer)) return;
+  if (!Ask(check, request, report, download.line, answer)) return false;
   CheckHostOnce(check, download.url, answer, download.line);
   CheckRedirect(request, answer, check.Report("site-redirect", download.subject), download.line);
   if (answer.status != 200) {
-    return report.Error(download.line, download.url + " answers " + std::to_string(answer.status) + " instead of 200");
+    report.Error(download.line, download.url + " answers " + std::to_string(answer.status) + " instead of 200");
+    return false;
   }
   if (!answer.Header("content-encoding").empty()) {
     report.Error(download.line,
@@ -118,6 +129,7 @@ void CheckWhole(SiteCheck& check, const Download& download) {
   if (check.options.download && !download.md5.empty() && answer.md5 != download.md5) {
     report.Error(download.line, download.url + " has the md5 " + answer.md5 + ", not the manifest's");
   }
+  return true;
 }
 
 void CheckRanges(SiteCheck& check, const Download& download) {
@@ -125,7 +137,6 @@ void CheckRanges(SiteCheck& check, const Download& download) {
   ProbeAnswer answer;
   if (download.size < 2) return;
   if (!Ask(check, {.url = download.url, .range = "1-"}, report, download.line, answer)) return;
-  if (answer.status >= 400) return;  // told of the whole file already
   const std::string whole = std::to_string(download.size), last = std::to_string(download.size - 1);
   const std::string expected = "bytes 1-" + last + "/" + whole;
   if (answer.status != 206) {
@@ -135,6 +146,10 @@ void CheckRanges(SiteCheck& check, const Download& download) {
   if (answer.Header("content-range") != expected) {
     report.Error(download.line, download.url + " answers the range " + Quoted(answer.Header("content-range")) +
                                     " instead of " + Quoted(expected));
+  }
+  if (answer.length && *answer.length != download.size - 1) {
+    report.Error(download.line,
+                 download.url + " answers the range with " + std::to_string(*answer.length) + " bytes, not " + last);
   }
   if (!Ask(check, {.url = download.url, .range = whole + "-"}, report, download.line, answer)) return;
   if (answer.status != 416) {
@@ -178,11 +193,15 @@ bool IsBase(const std::string& site) {
   return path == std::string::npos || path + 1 == site.size();
 }
 
+bool LetsKeep(const std::string& cacheControl, std::string_view directive) {
+  const size_t found = cacheControl.find(directive);
+  return found != std::string::npos && cacheControl.substr(found + directive.size(), 1) != "0";
+}
+
 void CheckCaching(const ProbeAnswer& answer, const std::string& url, const Reporter& report) {
   const std::string control = LowerAscii(answer.Header("cache-control"));
-  const size_t age = control.find("max-age=");
-  const bool kept = age != std::string::npos && control.substr(age + 8, 1) != "0";
-  if (kept || !answer.Header("age").empty()) {
+  const bool kept = LetsKeep(control, "max-age=") || LetsKeep(control, "s-maxage=");
+  if ((kept && control.find("no-store") == std::string::npos) || !answer.Header("age").empty()) {
     report.Warning(
         0, url + " may be kept by caches, so that players see an old manifest; let it be sent with \"no-store\"");
   }
@@ -218,6 +237,9 @@ void CheckHelpPage(SiteCheck& check, const std::string& url) {
 
 SiteFindings CheckSite(const ManifestFile& manifest, const SiteOptions& options) {
   SiteCheck check{manifest, options, {{manifest.path, {}}}, HttpProbe(options.caFile), {}, {}};
+  if (const std::string weakness = AddressWeakness(options.site); !weakness.empty()) {
+    check.Report("site-manifest").Warning(0, weakness);
+  }
   if (IsBase(options.site)) {
     const std::string base = options.site.ends_with('/') ? options.site : options.site + "/";
     CheckManifestAddress(check, base + "play/files/repository.php?l=9");
@@ -228,8 +250,8 @@ SiteFindings CheckSite(const ManifestFile& manifest, const SiteOptions& options)
   const std::vector<Download> downloads = DownloadsOf(manifest);
   for (size_t i = 0; i < downloads.size(); ++i) {
     if (options.progress) options.progress(downloads[i].url, i, downloads.size());
-    CheckWhole(check, downloads[i]);
-    CheckRanges(check, downloads[i]);
+    if (CheckWhole(check, downloads[i])) CheckRanges(check, downloads[i]);
   }
+  TellWhatWasNotAsked(check);
   return std::move(check.result);
 }

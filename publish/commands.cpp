@@ -13,7 +13,7 @@
 namespace {
 
 int Refuse(const std::string& why) {
-  std::cerr << "zendora-publish: " << why << "\n";
+  std::cerr << "zendora-publish: " << Printable(why) << "\n";
   return kUnusable;
 }
 
@@ -23,6 +23,8 @@ int Tell(const Findings& findings, bool strict, bool json) {
   const bool bad = CountOf(findings, Severity::Error) != 0 || (strict && CountOf(findings, Severity::Warning) != 0);
   return bad ? kFindings : kClean;
 }
+
+void PrintLine(const std::string& text) { std::cout << Printable(text) << "\n"; }
 
 bool IsFolder(const std::string& path) {
   std::error_code error;
@@ -56,11 +58,11 @@ int RunFill(const FillArguments& arguments) {
   const Filled filled = FillManifest(*manifest, arguments.files, TerminalProgress());
   ClearProgress();
   for (const Change& change : filled.changes) {
-    std::cout << manifest->path << ":" << change.line << ": " << change.package << ": " << change.element << " "
-              << Quoted(change.before) << " -> " << Quoted(change.after) << "\n";
+    PrintLine(manifest->path + ":" + std::to_string(change.line) + ": " + change.package + ": " + change.element + " " +
+              Quoted(change.before) + " -> " + Quoted(change.after));
   }
-  for (const std::string& problem : filled.problems) std::cout << manifest->path << ": error: " << problem << "\n";
-  std::cout << manifest->path << ": " << filled.changes.size() << " changes\n";
+  for (const std::string& problem : filled.problems) PrintLine(manifest->path + ": error: " + problem);
+  PrintLine(manifest->path + ": " + Counted(filled.changes.size(), "change"));
   if (arguments.output.empty()) {
     if (!filled.changes.empty()) std::cout << "nothing was written; -o FILE writes\n";
   } else if (!ReplaceFile(arguments.output, filled.text)) {
@@ -76,7 +78,7 @@ int RunDescribe(const DescribeArguments& arguments) {
   if (arguments.filetype == "file") description.filetype = "file";
   for (const std::string& source : arguments.urls) {
     const size_t equals = source.find('=');
-    if (equals == std::string::npos || equals == 0) return Refuse("--url takes KEY=URL, not \"" + source + "\"");
+    if (equals == std::string::npos || equals == 0) return Refuse("--url takes KEY=URL");
     description.urls[source.substr(0, equals)] = source.substr(equals + 1);
   }
   const auto described = DescribePackage(description, TerminalProgress());
@@ -103,9 +105,13 @@ int RunCheckSite(const CheckSiteArguments& arguments) {
   const auto manifest = LoadManifestFile(arguments.manifest);
   if (!manifest) return Refuse("can't read \"" + arguments.manifest + "\"");
   if (!manifest->root) return Refuse("\"" + arguments.manifest + "\" is no manifest; zendora-publish check tells why");
-  if (SiteOf(arguments.site).empty()) return Refuse("\"" + arguments.site + "\" is no address");
-  if (!arguments.caFile.empty() && !SizeOfFile(arguments.caFile))
-    return Refuse("can't read \"" + arguments.caFile + "\"");
+  if (const std::string fault = AddressFault(arguments.site); !fault.empty()) return Refuse(fault);
+  if (!arguments.caFile.empty()) {
+    const auto certificates = ReadFile(arguments.caFile);
+    if (!certificates) return Refuse("can't read \"" + arguments.caFile + "\"");
+    if (certificates->find("-----BEGIN ") == std::string::npos)
+      return Refuse("\"" + arguments.caFile + "\" holds no certificate");
+  }
   const SiteFindings result =
       CheckSite(*manifest, {arguments.site, arguments.download, arguments.caFile, TerminalProgress()});
   const int code = Tell(result.findings, arguments.strict, arguments.json);

@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <system_error>
 
 namespace fs = std::filesystem;
@@ -30,13 +31,30 @@ std::optional<uint64_t> SizeOfFile(const std::string& name) {
   return error ? std::nullopt : std::optional(size);
 }
 
+namespace {
+
+fs::path UnusedPathBeside(const fs::path& path) {
+  std::random_device random;
+  fs::path unused;
+  std::error_code ignored;
+  do {
+    unused = path;
+    unused += "." + std::to_string(random()) + ".new";
+  } while (fs::exists(unused, ignored));
+  return unused;
+}
+
+}  // namespace
+
 bool ReplaceFile(const std::string& name, std::string_view content) {
-  const fs::path path = PathFromUtf8(name);
-  const fs::path unfinished = PathFromUtf8(name + ".new");
+  std::error_code error;
+  // What a link points to is replaced, not the link.
+  const fs::path path = fs::weakly_canonical(PathFromUtf8(name), error);
+  if (error) return false;
+  const fs::path unfinished = UnusedPathBeside(path);
   std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
   file.write(content.data(), static_cast<std::streamsize>(content.size()));
   file.close();
-  std::error_code error;
   if (file) fs::rename(unfinished, path, error);
   if (file && !error) return true;
   fs::remove(unfinished, error);

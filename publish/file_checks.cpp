@@ -171,18 +171,40 @@ std::string WhyMissing(const std::string& place, const Archive& archive) {
                : "";
 }
 
+bool IsBroughtByOthers(const PackageFile& file, const std::string& place) {
+  return file.placesOfTarget && file.placesOfTarget->contains(place);
+}
+
 // An installer program may bring what nobody can know here, and a folder of a game may hold it already.
 void CheckTaskPaths(const PackageEntry& entry, const PackageFile& file, const Reporter& report) {
   const Package& package = entry.package;
   if (!file.archive.isArchive) return;
   for (const TaskPath& task : TaskPathsOf(entry)) {
     const std::string place = ComparablePath(task.path);
-    if (place.empty() || file.archive.places.contains(place) || file.neighbourPlaces.contains(place)) continue;
+    if (place.empty() || file.archive.places.contains(place) || IsBroughtByOthers(file, place)) continue;
     if (!package.install.empty() && task.element != "install") continue;
     const std::string message = "<" + task.element + "> names " + Quoted(task.path) + ", which is not in the archive" +
                                 WhyMissing(place, file.archive);
     package.folder.empty() ? report.Error(task.line, message) : report.Warning(task.line, message);
   }
+}
+
+bool IsFolder(const Archive& archive, const std::string& place) {
+  const auto inside = archive.places.lower_bound(place + "\\");
+  return inside != archive.places.end() && inside->starts_with(place + "\\");
+}
+
+void CheckProgramsAreFiles(const PackageEntry& entry, const PackageFile& file, const Reporter& report) {
+  for (const TaskPath& task : TaskPathsOf(entry)) {
+    if (task.element == "verify" || !IsFolder(file.archive, ComparablePath(task.path))) continue;
+    report.Error(task.line, "<" + task.element + "> names " + Quoted(task.path) + ", which is a folder");
+  }
+}
+
+void CheckFilesAreNoFolders(const PackageEntry& entry, const PackageFile& file, const Reporter& report) {
+  ReportEntries(
+      entry, file, report, Severity::Error, "is a file, but other entries take it for a folder",
+      [&](const ArchiveEntry& e) { return e.info.size != 0 && IsFolder(file.archive, ComparablePath(e.info.name)); });
 }
 
 // A copied file is all there is.
@@ -191,7 +213,7 @@ void CheckCopiedPaths(const PackageEntry& entry, const PackageFile& file, const 
   if (package.filetype == kZipType || package.filetype == kInstallerType || !package.install.empty()) return;
   for (const TaskPath& task : TaskPathsOf(entry)) {
     const std::string place = ComparablePath(task.path);
-    if (place.empty() || place == ComparablePath(package.filename) || file.neighbourPlaces.contains(place)) continue;
+    if (place.empty() || place == ComparablePath(package.filename) || IsBroughtByOthers(file, place)) continue;
     const std::string message = "<" + task.element + "> names " + Quoted(task.path) +
                                 ", but the package is one file, " + Quoted(package.filename);
     package.folder.empty() ? report.Error(task.line, message) : report.Warning(task.line, message);
@@ -210,6 +232,8 @@ constexpr FileCheck kArchiveChecks[] = {
     {"archive-repeated", CheckRepeatedEntries},
     {"archive-long-path", CheckLongPaths},
     {"archive-path", CheckTaskPaths},
+    {"archive-program", CheckProgramsAreFiles},
+    {"archive-folder", CheckFilesAreNoFolders},
     {"file-path", CheckCopiedPaths},
 };
 

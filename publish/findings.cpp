@@ -13,21 +13,10 @@ const char* NameOf(Severity severity) {
   return kNames[static_cast<size_t>(severity)];
 }
 
-// A name out of a manifest or an archive must not steer the terminal that shows it.
-std::string Printable(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
-  return text;
-}
-
 std::vector<Finding> InLineOrder(const Findings& findings) {
   std::vector<Finding> sorted = findings.list;
   std::stable_sort(sorted.begin(), sorted.end(), [](const Finding& a, const Finding& b) { return a.line < b.line; });
   return sorted;
-}
-
-std::string Counted(size_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 }  // namespace
@@ -68,6 +57,24 @@ void PrintFindingsAsJson(std::ostream& out, const Findings& findings) {
                                            {"findings", list}};
   constexpr auto kReplaceInvalidUtf8 = nlohmann::ordered_json::error_handler_t::replace;
   out << document.dump(2, ' ', false, kReplaceInvalidUtf8) << "\n";
+}
+
+std::string Printable(std::string_view text) {
+  std::string printable;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]),
+               next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+    // U+0080 to U+009F, as UTF-8 writes them.
+    const bool isSecondSet = byte == 0xC2 && next >= 0x80 && next < 0xA0;
+    if (isSecondSet) ++i;
+    printable += isSecondSet || byte < ' ' || byte == 0x7F ? '?' : text[i];
+  }
+  return printable;
+}
+
+std::string Counted(size_t count, const std::string& what) {
+  const std::string plural = what.ends_with('s') ? "es" : "s";
+  return std::to_string(count) + " " + what + (count == 1 ? "" : plural);
 }
 
 std::string Quoted(std::string_view text) {

@@ -52,5 +52,12 @@ void PrintFindings(std::ostream& out, const Findings& findings);
 // The same as one JSON object: "file", "errors", "warnings", and "findings" with a member for each field.
 void PrintFindingsAsJson(std::ostream& out, const Findings& findings);
 
+// "1 error", "2 errors", "2 addresses".
+std::string Counted(size_t count, const std::string& what);
+
 // In quotation marks, as messages quote names and values; what is very long is cut.
 std::string Quoted(std::string_view text);
+
+// A name out of a manifest or an archive, or several in a message, so that they can't steer the terminal that shows
+// them: control characters become "?".
+std::string Printable(std::string_view text);

@@ -55,7 +55,15 @@ size_t OnBody(char* bytes, size_t, size_t count, void* context) {
 
 bool IsUnreachable(CURLcode code) {
   return code == CURLE_COULDNT_RESOLVE_HOST || code == CURLE_COULDNT_CONNECT || code == CURLE_OPERATION_TIMEDOUT ||
-         code == CURLE_GOT_NOTHING || code == CURLE_SSL_CONNECT_ERROR;
+         code == CURLE_GOT_NOTHING || code == CURLE_SSL_CONNECT_ERROR || code == CURLE_SEND_ERROR ||
+         code == CURLE_RECV_ERROR;
+}
+
+bool IsWithoutConnection(CURLcode code, CURL* curl) {
+  curl_off_t connectTime = 0;
+  curl_easy_getinfo(curl, CURLINFO_CONNECT_TIME_T, &connectTime);
+  return code == CURLE_COULDNT_RESOLVE_HOST || code == CURLE_COULDNT_CONNECT ||
+         (code == CURLE_OPERATION_TIMEDOUT && connectTime == 0);
 }
 
 bool IsDistrust(CURLcode code) { return code == CURLE_PEER_FAILED_VERIFICATION || code == CURLE_SSL_CERTPROBLEM; }
@@ -149,6 +157,7 @@ ProbeAnswer HttpProbe::Get(const ProbeRequest& request, const Progress& progress
   }
   if (code != CURLE_OK) answer.failure = reason(code);
   answer.unreachable = IsUnreachable(code);
+  answer.connected = !IsWithoutConnection(code, state_->curl.get());
   ReadFacts(state_->curl.get(), answer);
   if (request.body == Body::Hash) answer.md5 = exchange.md5.Finish();
   return std::move(exchange.answer);

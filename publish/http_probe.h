@@ -22,7 +22,8 @@ struct ProbeRequest {
 
 struct ProbeAnswer {
   std::string failure;                         // why there was no answer; empty when there was one
-  bool unreachable = false;                    // the failure is the host's: no name, no connection, no word
+  bool unreachable = false;                    // the failure is the network's: no name, no connection, no word
+  bool connected = false;                      // the host could be connected with
   std::string certificateFault;                // why the certificate isn't trusted; the request then went on without
   std::optional<std::time_t> certificateEnds;  // of a https answer
   long status = 0;

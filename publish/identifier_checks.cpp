@@ -88,7 +88,7 @@ void CheckCollisions(const ManifestFile& manifest, const Reporter& report) {
   });
   ForEachIdentifier(manifest, [&](const std::string& identifier, int line) {
     const std::string name = LowerAscii(identifier);
-    for (const char* own : {"manifest.xml", "launcher.update"}) {
+    for (const char* own : {"manifest.xml", "manifest.xml.new", "launcher.update"}) {
       if (name == own || name == own + std::string(kRecordExtension)) {
         report.About(identifier).Error(line, "the installer keeps a file of its own under this name");
       }

@@ -94,6 +94,29 @@ void AddCheckSite(CLI::App& app, int& code) {
   command->callback([=, &code] { code = RunCheckSite(*arguments); });
 }
 
+// Names the options only: what stands behind one may be a password.
+int RefuseExtras(const std::vector<std::string>& extras) {
+  std::string unknown;
+  for (const std::string& extra : extras) {
+    if (extra.starts_with("--"))
+      unknown += " " + extra.substr(0, extra.find('='));
+    else if (extra.starts_with('-'))
+      unknown += " " + extra.substr(0, 2);
+  }
+  std::cerr << "zendora-publish: "
+            << (unknown.empty() ? "there are too many arguments" : "there is no such option:" + unknown)
+            << "\nRun with --help for more information.\n";
+  return kUnusable;
+}
+
+// The exit code, unless what was printed went nowhere.
+int Flushed(int code) {
+  std::cout.flush();
+  if (std::cout) return code;
+  std::cerr << "zendora-publish: the output can't be written\n";
+  return kUnusable;
+}
+
 // The arguments in UTF-8, without the program's own name, in the order that the parser's vector form takes them.
 int Main(std::vector<std::string> arguments) {
   CLI::App app(kAbout, "zendora-publish");
@@ -107,10 +130,12 @@ int Main(std::vector<std::string> arguments) {
   AddCheckSite(app, code);
   try {
     app.parse(std::move(arguments));
+  } catch (const CLI::ExtrasError&) {
+    return RefuseExtras(app.remaining(true));
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kClean : kUnusable;
+    return Flushed(app.exit(error) == 0 ? kClean : kUnusable);
   }
-  return code;
+  return Flushed(code);
 }
 
 // Out of memory, or a fault of ours.

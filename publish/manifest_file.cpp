@@ -43,6 +43,16 @@ void ReadModel(ManifestFile& manifest) {
 
 const XMLElement* PackageEntry::Child(const char* name) const { return element->LastChildElement(name); }
 
+std::vector<const XMLElement*> PackageEntry::Grandchildren(const char* parent, const char* name) const {
+  std::vector<const XMLElement*> found;
+  for (auto* child = element->FirstChildElement(parent); child; child = child->NextSiblingElement(parent)) {
+    for (auto* inner = child->FirstChildElement(name); inner; inner = inner->NextSiblingElement(name)) {
+      found.push_back(inner);
+    }
+  }
+  return found;
+}
+
 int PackageEntry::LineOf(const char* name) const {
   const XMLElement* child = Child(name);
   return child ? child->GetLineNum() : element->GetLineNum();

@@ -18,6 +18,8 @@ struct PackageEntry {
 
   // The child that counts: the last one of that name. Null when there is none.
   const tinyxml2::XMLElement* Child(const char* name) const;
+  // The elements called `name` in all children called `parent`: the program reads several as if they were one.
+  std::vector<const tinyxml2::XMLElement*> Grandchildren(const char* parent, const char* name) const;
   // The line of that child, or of the package.
   int LineOf(const char* name) const;
   // Whether that child is there without the attribute that its value is read from. Its own check tells of that.

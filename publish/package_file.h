@@ -30,8 +30,9 @@ struct PackageFile {
   uint64_t size = 0;
   std::string md5;  // empty when it couldn't be read
   Archive archive;  // of a package that is to be unpacked
-  // What packages with the same target bring. Filled only when this one lacks something that it names.
-  std::set<std::string> neighbourPlaces = {};
+  // What all packages with the same target bring, which may serve this one, too. Null unless this one lacks something
+  // that it names.
+  const std::set<std::string>* placesOfTarget = nullptr;
 };
 
 // Whether anything but its name is to be known of an entry.

@@ -33,6 +33,16 @@ bool IsKnownFolder(std::string_view folder) {
          IsFolderNumber(folder.substr(1, folder.size() - 2));
 }
 
+std::optional<int64_t> WholeNumber(std::string_view text) {
+  const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
+  if (hexadecimal) text.remove_prefix(2);
+  if (text.starts_with('-')) return std::nullopt;
+  int64_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, hexadecimal ? 16 : 10);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
 std::string Md5Fault(std::string_view md5) {
   if (md5.empty()) return "";
   const std::string lower = LowerAscii(md5);

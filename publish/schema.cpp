@@ -45,8 +45,8 @@ constexpr ElementRule kPackageChildren[] = {
     {"size", kValue, {}},
     {"upsize", kValue, {}},
     {"default", kValue, {}},
-    {"sources", {}, kPackageSources},
-    {"tasks", {}, kTasks},
+    {"sources", {}, kPackageSources, Text::None, true},
+    {"tasks", {}, kTasks, Text::None, true},
 };
 constexpr ElementRule kPackages[] = {{"package", {}, kPackageChildren, Text::None, true}};
 constexpr ElementRule kUpdaterSources[] = {{"source", kUrl, {}, Text::None, true}};

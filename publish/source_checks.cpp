@@ -19,6 +19,11 @@ void ForEachSource(const XMLElement* parent, Visitor visit) {
   }
 }
 
+template <typename Visitor>
+void ForEachPackageSource(const PackageEntry& entry, Visitor visit) {
+  for (const XMLElement* source : entry.Grandchildren("sources", "source")) visit(*source);
+}
+
 void CheckCataloguePresence(const ManifestFile& manifest, const Reporter& report) {
   const XMLElement* catalogue = manifest.Section("sources");
   if (!catalogue) {
@@ -86,7 +91,7 @@ void CheckPackageSources(const PackageEntry& entry, const ManifestFile&, const R
 
 void CheckSourcesInCatalogue(const PackageEntry& entry, const ManifestFile& manifest, const Reporter& report) {
   if (manifest.model.sources.empty()) return;
-  ForEachSource(entry.Child("sources"), [&](const XMLElement& source) {
+  ForEachPackageSource(entry, [&](const XMLElement& source) {
     const std::string key = AttributeOf(source, "key");
     if (!source.Attribute("key") || manifest.model.sources.contains(key)) return;
     report.Error(source.GetLineNum(),
@@ -104,7 +109,7 @@ void CheckDefaultAmongSources(const PackageEntry& entry, const ManifestFile& man
 
 void CheckRepeatedSources(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
   std::set<std::string> keys;
-  ForEachSource(entry.Child("sources"), [&](const XMLElement& source) {
+  ForEachPackageSource(entry, [&](const XMLElement& source) {
     const std::string key = AttributeOf(source, "key");
     if (source.Attribute("key") && !keys.insert(key).second) {
       report.Error(source.GetLineNum(),
@@ -127,11 +132,11 @@ void CheckWeakness(const XMLElement& source, const Reporter& report) {
 }
 
 void CheckPackageAddresses(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
-  ForEachSource(entry.Child("sources"), [&](const XMLElement& source) { CheckAddress(source, report); });
+  ForEachPackageSource(entry, [&](const XMLElement& source) { CheckAddress(source, report); });
 }
 
 void CheckPackageWeaknesses(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
-  ForEachSource(entry.Child("sources"), [&](const XMLElement& source) { CheckWeakness(source, report); });
+  ForEachPackageSource(entry, [&](const XMLElement& source) { CheckWeakness(source, report); });
 }
 
 constexpr PackageCheck kSourceChecks[] = {
@@ -168,7 +173,7 @@ void CheckUpdaterSize(const ManifestFile& manifest, const Reporter& report) {
   const XMLElement* updater = manifest.Section("updater");
   if (!updater) return;
   const std::string text = AttributeOf(*updater, "filesize");
-  if (IsDecimal(text) && manifest.model.updater.filesize != 0) return;
+  if (const auto size = WholeNumber(text); size && *size != 0 && *size == manifest.model.updater.filesize) return;
   report.Error(updater->GetLineNum(), "updater: filesize " + Quoted(text) + " is not the program's number of bytes");
 }
 

@@ -90,11 +90,13 @@ void CheckMisplacedText(const ManifestFile& manifest, const Reporter& report) {
       const tinyxml2::XMLText* text = node->ToText();
       if (!text || rule.text == Text::Allowed) continue;
       const bool hasValue = FindAttribute(rule, "value");
-      const std::string advice =
-          hasValue ? "; write <" + std::string(element.Name()) + " value=" + Quoted(text->Value()) + "/>" : "";
+      // It may be the password itself, which is never printed.
+      const bool isSecret = rule.name == "password";
+      const std::string quoted = isSecret ? "" : " " + Quoted(text->Value());
+      const std::string value = isSecret ? "\"...\"" : Quoted(text->Value());
+      const std::string advice = hasValue ? "; write <" + std::string(element.Name()) + " value=" + value + "/>" : "";
       report.About(PackageOf(element))
-          .Error(text->GetLineNum(),
-                 "the text " + Quoted(text->Value()) + " in " + Tag(element) + " is not read" + advice);
+          .Error(text->GetLineNum(), "the text" + quoted + " in " + Tag(element) + " is not read" + advice);
     }
   });
 }

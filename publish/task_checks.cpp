@@ -1,5 +1,6 @@
 // What is done when a package's files are placed: paths that must be there, programs, shortcuts, registry values.
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
 
@@ -7,6 +8,7 @@
 #include "checks.h"
 #include "install/manifest_paths.h"
 #include "install/package_texts.h"
+#include "package_types.h"
 #include "system/path_names.h"
 #include "system/text.h"
 #include "task_paths.h"
@@ -19,9 +21,7 @@ constexpr std::string_view kInstallPath = "{install_path}";
 
 template <typename Visitor>
 void ForEachTask(const PackageEntry& entry, const char* name, Visitor visit) {
-  const XMLElement* tasks = entry.Child("tasks");
-  if (!tasks) return;
-  for (auto* task = tasks->FirstChildElement(name); task; task = task->NextSiblingElement(name)) visit(*task);
+  for (const XMLElement* task : entry.Grandchildren("tasks", name)) visit(*task);
 }
 
 template <typename Visitor>
@@ -81,16 +81,26 @@ void CheckTaskBars(const PackageEntry& entry, const ManifestFile&, const Reporte
   }
 }
 
+// The program compares only the beginning, letter for letter, and takes all else for a key of the machine's root.
+bool HasRoot(std::string_view name) {
+  constexpr std::string_view kRoots[] = {"HKEY_LOCAL_MACHINE", "HKEY_CURRENT_USER", "HKEY_CLASSES_ROOT",
+                                         "HKEY_CURRENT_CONFIG", "HKEY_USERS"};
+  return std::find(std::begin(kRoots), std::end(kRoots), name.substr(0, name.find_first_of("\\/"))) != std::end(kRoots);
+}
+
+bool LooksLikeRoot(std::string_view name) {
+  const std::string lower = LowerAscii(name);
+  return lower.starts_with("hk") || lower.find("hkey_") != std::string::npos;
+}
+
 void CheckRegistryKeys(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
   ForEachTask(entry, "reg", [&](const XMLElement& task) {
     const std::string name = AttributeOf(task, "name");
     if (name.empty()) return;
-    const RegistryKeyPath key = ParseRegistryKeyPath(name);
-    const bool shortRoot = name.starts_with("HK") && key.root == RegistryRoot::LocalMachine && key.subkey == name;
-    if (shortRoot) {
+    if (LooksLikeRoot(name) && !HasRoot(name)) {
       report.Error(task.GetLineNum(), "registry root of " + Quoted(name) +
                                           " is unknown; write it in full, e.g. HKEY_CURRENT_USER\\Software\\...");
-    } else if (key.subkey.empty()) {
+    } else if (ParseRegistryKeyPath(name).subkey.empty()) {
       report.Error(task.GetLineNum(), "registry path " + Quoted(name) + " names a root only");
     } else if (name.find('/') != std::string::npos) {
       report.Warning(task.GetLineNum(), "registry path " + Quoted(name) + " holds \"/\", which separates no keys");
@@ -118,16 +128,62 @@ void CheckRegistryNames(const PackageEntry& entry, const ManifestFile&, const Re
   });
 }
 
+// Whether the text holds something that was meant to be replaced, whatever its spelling.
+bool LooksLikePlaceholder(std::string_view text) {
+  std::string plain = LowerAscii(text);
+  std::erase_if(plain, [](char c) { return c == '_' || c == '-' || c == ' '; });
+  constexpr std::string_view kBeginnings[] = {"{install", "%install", "{gtasa", "{mtasa"};
+  return std::any_of(std::begin(kBeginnings), std::end(kBeginnings),
+                     [&](std::string_view beginning) { return plain.find(beginning) != std::string::npos; });
+}
+
 void CheckPlaceholders(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
   ForEachRegistryValue(entry, [&](const XMLElement& key) {
     std::string value = AttributeOf(key, "value");
-    const bool replaced = ReplaceFirst(value, kInstallPath, "");
+    ReplaceFirst(value, kInstallPath, "");
     if (value.find(kInstallPath) != std::string::npos) {
       report.Error(key.GetLineNum(), "only the first {install_path} of a value is replaced");
-    } else if (!replaced && value.starts_with('{') && value.find("_path}") != std::string::npos) {
-      report.Error(key.GetLineNum(),
-                   "the placeholder in " + Quoted(value) + " is unknown; did you mean {install_path}?");
+    } else if (LooksLikePlaceholder(value)) {
+      report.Error(key.GetLineNum(), "the placeholder in " + Quoted(AttributeOf(key, "value")) +
+                                         " is unknown; did you mean {install_path}?");
     }
+  });
+}
+
+// Registry values are the only task in which a placeholder is replaced.
+void CheckUselessPlaceholders(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
+  for (const char* name : {"link", "install", "execute"}) {
+    ForEachTask(entry, name, [&](const XMLElement& task) {
+      for (const auto* attribute = task.FirstAttribute(); attribute; attribute = attribute->Next()) {
+        if (!LooksLikePlaceholder(attribute->Value())) continue;
+        report.Error(task.GetLineNum(), std::string("no placeholder is replaced in ") + attribute->Name() + " of <" +
+                                            name + ">, " + Quoted(attribute->Value()));
+      }
+    });
+  }
+  const Package& package = entry.package;
+  const XMLElement* folderName = entry.Child("name");
+  const std::string name = folderName ? AttributeOf(*folderName, "value") : "";
+  if (package.folder.empty() && (LooksLikePlaceholder(name) || IsKnownFolder(name))) {
+    report.Error(entry.LineOf("name"), "no placeholder is replaced in the name " + Quoted(name) +
+                                           "; one for a known folder belongs into <folder value=\"...\"/>");
+  }
+}
+
+// Programs get their arguments, and the registry its values, in the code page of the player's system.
+void CheckTaskTextsAscii(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
+  const auto check = [&](const XMLElement& element, const char* attribute) {
+    if (IsAscii(AttributeOf(element, attribute))) return;
+    report.Warning(element.GetLineNum(), std::string("letters beyond ASCII in ") + attribute + " of <" +
+                                             element.Name() + "> are taken byte by byte");
+  };
+  ForEachTask(entry, "link", [&](const XMLElement& task) { check(task, "title"); });
+  ForEachTask(entry, "install", [&](const XMLElement& task) { check(task, "args"); });
+  ForEachTask(entry, "execute", [&](const XMLElement& task) { check(task, "args"); });
+  ForEachTask(entry, "reg", [&](const XMLElement& task) { check(task, "name"); });
+  ForEachRegistryValue(entry, [&](const XMLElement& key) {
+    check(key, "name");
+    check(key, "value");
   });
 }
 
@@ -150,6 +206,8 @@ constexpr PackageCheck kChecks[] = {
     {"registry-order", CheckRegistryOrder},
     {"registry-name", CheckRegistryNames},
     {"placeholder", CheckPlaceholders},
+    {"placeholder-place", CheckUselessPlaceholders},
+    {"task-ascii", CheckTaskTextsAscii},
     {"addon", CheckAddons},
 };
 

@@ -8,9 +8,7 @@
 namespace {
 
 void AddTask(const PackageEntry& entry, const char* name, std::vector<TaskPath>& paths) {
-  const tinyxml2::XMLElement* tasks = entry.Child("tasks");
-  if (!tasks) return;
-  for (auto* task = tasks->FirstChildElement(name); task; task = task->NextSiblingElement(name)) {
+  for (const tinyxml2::XMLElement* task : entry.Grandchildren("tasks", name)) {
     paths.push_back({name, AttributeOf(*task, "path"), task->GetLineNum()});
   }
 }

@@ -1,7 +1,10 @@
 #include "terminal.h"
 
+#include <algorithm>
 #include <chrono>
 #include <iostream>
+
+#include "findings.h"
 #ifdef _WIN32
 #include <io.h>
 #define isatty _isatty
@@ -12,10 +15,17 @@
 namespace {
 
 constexpr int kStandardError = 2;
-constexpr size_t kLongestName = 60;
+constexpr size_t kLongestName = 60, kWidth = 72;
 constexpr auto kPause = std::chrono::milliseconds(200);
 
 bool IsTerminal() { return isatty(kStandardError) != 0; }
+
+// Blanks cover what stood there before; not every console knows a control sequence for that.
+std::string Padded(std::string text) {
+  const auto begins = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };  // a character in UTF-8
+  const auto columns = static_cast<size_t>(std::count_if(text.begin(), text.end(), begins));
+  return text.append(columns < kWidth ? kWidth - columns : 0, ' ');
+}
 
 }  // namespace
 
@@ -27,12 +37,11 @@ Progress TerminalProgress() {
         if (now - last < kPause) return;
         last = now;
         const std::string name = what.size() > kLongestName ? "..." + what.substr(what.size() - kLongestName) : what;
-        std::cerr << "\r\x1b[K" << name;
-        if (total != 0) std::cerr << "  " << done * 100 / total << " %";
-        std::cerr << std::flush;
+        const std::string share = total == 0 ? "" : "  " + std::to_string(done * 100 / total) + " %";
+        std::cerr << "\r" << Padded(Printable(name) + share) << std::flush;
       };
 }
 
 void ClearProgress() {
-  if (IsTerminal()) std::cerr << "\r\x1b[K" << std::flush;
+  if (IsTerminal()) std::cerr << "\r" << Padded("") << "\r" << std::flush;
 }

@@ -1,5 +1,4 @@
 // The plain values of one package.
-#include <charconv>
 #include <optional>
 #include <string>
 
@@ -19,17 +18,6 @@ void CheckGroup(const PackageEntry& entry, const ManifestFile&, const Reporter& 
   report.Warning(entry.LineOf("group"), "there is no group, so the row stands outside of all groups");
 }
 
-// A size as the program would read it completely: it takes "12 MB" for 12.
-std::optional<int64_t> WholeNumber(std::string_view text) {
-  const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-  if (hexadecimal) text.remove_prefix(2);
-  if (text.starts_with('-')) return std::nullopt;
-  int64_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, hexadecimal ? 16 : 10);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
 void CheckNumber(const PackageEntry& entry, const char* name, const char* consequence, const Reporter& report) {
   if (entry.LacksValue(name)) return;
   const tinyxml2::XMLElement* element = entry.Child(name);
@@ -44,7 +32,10 @@ void CheckNumber(const PackageEntry& entry, const char* name, const char* conseq
 }
 
 void CheckSize(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
-  CheckNumber(entry, "size", "; every download would count as a mismatch", report);
+  // Without an md5 whatever arrives is taken.
+  const char* consequence = entry.package.md5.empty() ? "; the player isn't told how much there is to download"
+                                                      : "; every download would count as a mismatch";
+  CheckNumber(entry, "size", consequence, report);
 }
 
 void CheckUpsize(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
@@ -97,14 +88,17 @@ void CheckFolder(const PackageEntry& entry, const ManifestFile&, const Reporter&
                    "Windows folder such as {5}, and nothing else");
 }
 
+bool IsNameWithoutEffect(const Package& package) { return !package.folder.empty(); }
+
 void CheckName(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
-  const std::wstring& name = entry.package.name;
-  if (!StaysInside(name)) {
+  if (IsNameWithoutEffect(entry.package)) return;
+  if (!StaysInside(entry.package.name)) {
     report.Error(entry.LineOf("name"), "the name is no folder below the installation folder; the installer refuses it");
   }
 }
 
 void CheckNameAscii(const PackageEntry& entry, const ManifestFile&, const Reporter& report) {
+  if (IsNameWithoutEffect(entry.package)) return;
   const tinyxml2::XMLElement* name = entry.Child("name");
   if (name && !IsAscii(AttributeOf(*name, "value"))) {
     report.Warning(entry.LineOf("name"),

@@ -151,16 +151,28 @@ TEST(Updater, DescribesOurProgramAndRefusesEverythingElse) {
   EXPECT_NE(DescribeUpdater(site.File("new.exe"), {"zendora.example/new.exe"}, "").refusal, "");
 }
 
+TEST(Disk, ReplacesWhatALinkPointsToAndNoOtherFile) {
+  const GoodSite site;
+  WriteBytes(site.File("link.new"), "the user's own");
+  std::filesystem::create_symlink(site.File("guide.txt"), site.File("link"));
+  ASSERT_TRUE(ReplaceFile(site.File("link"), "new"));
+  EXPECT_EQ(ReadBytes(site.File("guide.txt")), "new");
+  EXPECT_EQ(ReadBytes(site.File("link.new")), "the user's own");
+  EXPECT_TRUE(std::filesystem::is_symlink(site.File("link")));
+  const std::filesystem::directory_iterator files(site.Files());
+  EXPECT_EQ(std::distance(begin(files), end(files)), 5);
+}
+
 TEST(Findings, ArePrintedLikeACompilersInTheOrderOfLines) {
   Findings findings{"m.xml", {}};
   Reporter(findings, "md5", "world.zip").Error(23, "md5 must be lower case");
-  Reporter(findings, "group", "a\x1b[31mb").Warning(7, "there is no group");
+  Reporter(findings, "group", "a\x1b[31mb\u009B31mc").Warning(7, "there is no group");
   Reporter(findings, "site-manifest").Note(0, "differs");
   std::ostringstream text, json;
   PrintFindings(text, findings);
   EXPECT_EQ(text.str(),
             "m.xml: note: differs [site-manifest]\n"
-            "m.xml:7: warning: a?[31mb: there is no group [group]\n"
+            "m.xml:7: warning: a?[31mb?31mc: there is no group [group]\n"
             "m.xml:23: error: world.zip: md5 must be lower case [md5]\n"
             "m.xml: 1 error, 1 warning\n");
   PrintFindingsAsJson(json, findings);

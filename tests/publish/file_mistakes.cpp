@@ -112,6 +112,15 @@ const Mistake kMistakes[] = {
      [](GoodSite& site) {
        AddToWorld(site, {"data/" + std::string(240, 'x'), "x"});
      }},
+    {"archive-program",
+     "error: world.zip: <execute> names \"data/maps\", which is a folder",
+     {{"<execute path=\"game.exe\"", "<execute path=\"data/maps\""}}},
+    {"archive-folder",
+     "error: world.zip: entry \"data\" is a file, but other entries take it for a folder",
+     {},
+     [](GoodSite& site) {
+       AddToWorld(site, {"data", "x"});
+     }},
     {"archive-path",
      "error: world.zip: <verify> names \"gmae.exe\", which is not in the archive",
      {{"game.exe|data", "gmae.exe|data"}}},

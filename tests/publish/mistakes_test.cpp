@@ -34,6 +34,22 @@ TEST(Mistakes, AGoodSiteHasNone) {
   EXPECT_TRUE(findings.list.empty()) << AllLines(findings);
 }
 
+TEST(Mistakes, NoneIsSeenInWhatTheInstallerTakes) {
+  constexpr std::pair<const char*, const char*> kEdits[] = {
+      {"filesize=\"123456\"", "filesize=\"0x1E240\""},
+      {"<addon", "</tasks><tasks><addon"},
+      {"<source key=\"mirror\" url", "</sources><sources><source key=\"mirror\" url"},
+      {"value=\"3\"", "value=\"{0002DF01-0000-0000-C000-000000000046}\""},
+      {"https://zendora.example/packages/guide.txt", "https://[::1]/guide.txt"},
+      {"HKEY_CURRENT_USER\\Software\\World", "Software\\World"},
+  };
+  for (const auto& [from, to] : kEdits) {
+    GoodSite site;
+    site.Replace(from, to);
+    EXPECT_EQ(AllLines(CheckSite(site)), "") << to;
+  }
+}
+
 void ExpectFound(const Mistake& mistake) {
   SCOPED_TRACE(mistake.message);
   GoodSite site;
@@ -43,6 +59,7 @@ void ExpectFound(const Mistake& mistake) {
 
   const Findings findings = CheckSite(site);
   EXPECT_EQ(std::count_if(findings.list.begin(), findings.list.end(), hasMessage), 1) << AllLines(findings);
+  EXPECT_EQ(AllLines(findings).find("SECRET"), std::string::npos) << "a password is printed";
 
   const Findings without = CheckSite(site, {mistake.check});
   EXPECT_TRUE(std::none_of(without.list.begin(), without.list.end(), hasMessage)) << AllLines(without);
@@ -54,6 +71,25 @@ TEST(Mistakes, EachInAManifestIsFoundByItsCheck) {
 
 TEST(Mistakes, EachInAFileIsFoundByItsCheck) {
   for (const Mistake& mistake : FileMistakes()) ExpectFound(mistake);
+}
+
+// How often something is read for a manifest with this many packages, each of which names what only another one of the
+// same folder brings.
+size_t ReadsOfPackagesInOneFolder(size_t count) {
+  const GoodSite site;
+  const size_t begin = site.manifest.find("    <package>\n"), end = site.manifest.find("    <package>\n", begin + 1);
+  std::string packages;
+  for (size_t i = 0; i < count; ++i) packages += site.manifest.substr(begin, end - begin);
+  std::string text = site.manifest.substr(0, begin) + packages + site.manifest.substr(end);
+  for (size_t at = 0; (at = text.find("game.exe|data/maps", at)) != std::string::npos;) text.replace(at, 4, "gone");
+  size_t reads = 0;
+  CheckManifest(*ParseManifestText("m", text),
+                {.filesFolder = site.Files(), .progress = [&](const std::string&, uint64_t, uint64_t) { ++reads; }});
+  return reads;
+}
+
+TEST(Mistakes, AreLookedForOnceInEachPackageOfAFolder) {
+  EXPECT_LT(ReadsOfPackagesInOneFolder(40), 6 * ReadsOfPackagesInOneFolder(10));
 }
 
 TEST(Mistakes, EveryCheckHasOne) {

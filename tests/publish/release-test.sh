@@ -15,6 +15,19 @@ export ZENDORA_DIST=$folder/dist
 site=https://downloads.elsewhere.test version=9.8.7
 "$root/release" "$version" --site "$site" --links elsewhere.test,forum.elsewhere.test \
   --sign certificate.p12 --password-file password
+
+# What is wrong is told, before anything is built.
+expect_refusal() {
+  local text=$1 status=0
+  shift
+  "$root/release" "$@" >refusal.txt 2>&1 || status=$?
+  { [ "$status" -eq 2 ] && grep -qF -- "$text" refusal.txt; } || die "instead of \"$text\": $(cat refusal.txt)"
+}
+expect_refusal 'the version "4.0"' 4.0 --site "$site"
+expect_refusal '--site takes https://HOST' 4.0.9 --site elsewhere.test
+expect_refusal 'up to four addresses' 4.0.9 --site "$site" --links a,b,c,d,e
+expect_refusal 'up to four addresses' 4.0.9 --site "$site" --links 'a;b'
+expect_refusal 'no option "--link"' 4.0.9 --site "$site" --link a
 cd dist
 
 name=ZendoraInstaller-$version.exe
