@@ -7,7 +7,7 @@ from faults.site import HOST, MIRROR
 
 def cut(phase, manner, rng):
     """The connection ends in this phase ("before", "head" or "body") and manner ("closed", "reset" or "silent")."""
-    share = rng.random()
+    share = rng.uniform(0.05, 1)  # each attempt leads further, and a small step would take hours
 
     def act(answer):
         head = answer.right_head()
