@@ -16,6 +16,7 @@ PROGRAM = PROGRAM_FOLDER + "\\" + PROGRAM_FILE
 
 CLOSE_LIMIT = 5  # seconds that a process may take to end
 TWICE_LIMIT = 0.02  # of the bytes; again for each time that the process was killed while they came
+CHUNK = 4096  # bytes that the program reads at once; a reset destroys one that is not full
 MOST_BOXES = 10
 RETRYABLE = {12002, 12007, 12029, 12030, 12031}
 
@@ -276,7 +277,8 @@ class Point:
         self.close()
         self.site.hang_up()
         self.result.twice = self.site.twice(("archive", "plain")) / self.package_bytes()
-        if not self.kind.destroys and self.result.twice > TWICE_LIMIT * max(1, self.result.kills):
+        resets = self.site.resets * CHUNK / self.package_bytes()
+        if not self.kind.destroys and self.result.twice > TWICE_LIMIT * max(1, self.result.kills) + resets:
             raise Broken(f"{100 * self.result.twice:.1f} % of the bytes were carried twice")
 
     def compare(self, before):

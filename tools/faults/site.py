@@ -134,6 +134,7 @@ class Answer:
         self.goes_on = False
 
     def reset(self):
+        self.site.resets += 1
         self.line.reset()
         self.goes_on = False
 
@@ -193,6 +194,7 @@ class Site:
         """As new: whole, fast, and nothing counted."""
         self.files, self.carried, self.requests = {}, {}, []
         self.faults, self.handshake_faults = [], []
+        self.resets = 0
         self.rate = 5_000_000  # bytes a second
         self.context = self.certificates["own"]
         self.mended = threading.Event()
