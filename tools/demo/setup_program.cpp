@@ -50,6 +50,7 @@ int HoldFile(const std::wstring& path) {
       CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) return 1;
   Sleep(INFINITE);
+  CloseHandle(file);
   return 0;
 }
 
