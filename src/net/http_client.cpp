@@ -123,8 +123,9 @@ void Conclude(const HttpHead& head, uint64_t bodyBytes, uint64_t offset, HttpRes
 
 }  // namespace
 
-InternetHandle OpenSession(const std::wstring& userAgent) {
-  return InternetHandle(WinInet().InternetOpen(userAgent.c_str(), INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
+HttpSession OpenSession(const std::wstring& userAgent) {
+  InternetHandle session(WinInet().InternetOpen(userAgent.c_str(), INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
+  return session ? std::make_shared<const InternetHandle>(std::move(session)) : nullptr;
 }
 
 HttpClient::HttpClient(std::wstring userAgent, std::stop_token stop)
@@ -159,7 +160,7 @@ HttpResult HttpClient::Receive(const std::wstring& url, uint64_t rangeStart, Sin
   request.askForGzip = rangeStart == 0 && gzipEnabled_;
   request.setDecoding = rangeStart == 0;
   request.timeoutMs = silenceMs_ + kSystemGraceMs;
-  HttpLine line(session_.Get(), std::move(request), stop_, {.silenceMs = silenceMs_});
+  HttpLine line(session_, std::move(request), stop_, {.silenceMs = silenceMs_});
 
   HttpResult result;
   HttpHead head;

@@ -56,8 +56,8 @@ class HttpClient {
   bool gzipEnabled_ = true;
   uint32_t speedLimit_ = 0;
   uint32_t silenceMs_ = kPatience.silenceMs;
-  InternetHandle session_;
+  HttpSession session_;
 };
 
-// Opens a WinINet session with the system's proxy settings.
-InternetHandle OpenSession(const std::wstring& userAgent);
+// Opens a session with the system's proxy settings. Null on failure, with the thread's last error.
+HttpSession OpenSession(const std::wstring& userAgent);

@@ -118,7 +118,7 @@ HttpHead ReadHead(HINTERNET request) {
 // lock.
 struct HttpLine::Exchange {
   HttpRequest request;
-  HINTERNET session = nullptr;
+  HttpSession session;                // closed after the handles below
   InternetHandle connection, opened;  // the line closes them too, when it gives up
 
   SRWLOCK lock = SRWLOCK_INIT;
@@ -238,8 +238,8 @@ HINTERNET OpenRequest(Exchange& exchange) {
   const HttpRequest& wanted = exchange.request;
   const INTERNET_PORT port = PortOfScheme(wanted.target.scheme);
   const HINTERNET connection =
-      exchange.Keep(exchange.connection, WinInet().InternetConnect(exchange.session, wanted.target.host.c_str(), port,
-                                                                   L"", L"", INTERNET_SERVICE_HTTP, 0, 0));
+      exchange.Keep(exchange.connection, WinInet().InternetConnect(exchange.session->Get(), wanted.target.host.c_str(),
+                                                                   port, L"", L"", INTERNET_SERVICE_HTTP, 0, 0));
   if (!connection) return nullptr;
   SetTimeouts(connection, wanted.timeoutMs);
   const DWORD flags = wanted.flags | kForgivingFlags | (port == INTERNET_DEFAULT_HTTPS_PORT ? INTERNET_FLAG_SECURE : 0);
@@ -320,12 +320,12 @@ void SetTimeouts(HINTERNET handle, uint32_t milliseconds) {
   }
 }
 
-HttpLine::HttpLine(HINTERNET session, HttpRequest request, std::stop_token stop, HttpPatience patience)
+HttpLine::HttpLine(HttpSession session, HttpRequest request, std::stop_token stop, HttpPatience patience)
     : exchange_(std::make_shared<Exchange>()),
       patience_(patience),
       wake_(std::move(stop), [exchange = exchange_.get()] { exchange->Stop(); }) {
   exchange_->request = std::move(request);
-  exchange_->session = session;
+  exchange_->session = std::move(session);
   auto shared = std::make_unique<std::shared_ptr<Exchange>>(exchange_);
   const KernelHandle thread(CreateThread(nullptr, 0, CarryToItsEnd, shared.get(), 0, nullptr));
   if (thread) {

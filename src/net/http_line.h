@@ -56,10 +56,14 @@ inline constexpr size_t kHttpChunk = 4096;
 // Sets all of WinINet's time-outs of a session, connection or request.
 void SetTimeouts(HINTERNET handle, uint32_t milliseconds);
 
+// A WinINet session. Closing it closes all that was opened in it, and what is opened next may get the same handles: it
+// is shared by the threads of its requests, the last of which closes it.
+using HttpSession = std::shared_ptr<const InternetHandle>;
+
 class HttpLine {
  public:
-  // Starts the request in a WinINet session, which must live as long as the line.
-  HttpLine(HINTERNET session, HttpRequest request, std::stop_token stop, HttpPatience patience);
+  // Starts the request in a session.
+  HttpLine(HttpSession session, HttpRequest request, std::stop_token stop, HttpPatience patience);
   // Closes the connection, also one that is still in use.
   ~HttpLine();
   HttpLine(const HttpLine&) = delete;

@@ -30,13 +30,13 @@ void HttpPostClient::PostForm(std::string body) {
   request.body = std::move(body);
   request.headOnly = true;
   request.timeoutMs = kTimeoutMs;
-  HttpLine(session_.Get(), std::move(request), stop_, {.silenceMs = kPhases * kTimeoutMs, .afterStopMs = kAfterStopMs})
+  HttpLine(session_, std::move(request), stop_, {.silenceMs = kPhases * kTimeoutMs, .afterStopMs = kAfterStopMs})
       .Next();
 }
 
 bool HttpPostClient::EnsureSession() {
   if (session_) return true;
   session_ = OpenSession(userAgent_);
-  if (session_) SetTimeouts(session_.Get(), kTimeoutMs);
+  if (session_) SetTimeouts(session_->Get(), kTimeoutMs);
   return static_cast<bool>(session_);
 }

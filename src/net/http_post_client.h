@@ -5,7 +5,7 @@
 #include <string>
 
 #include "net/crack_url.h"
-#include "net/wininet_api.h"
+#include "net/http_line.h"
 
 class HttpPostClient {
  public:
@@ -24,5 +24,5 @@ class HttpPostClient {
   std::wstring userAgent_;
   std::stop_token stop_;
   ParsedUrl target_;
-  InternetHandle session_;
+  HttpSession session_;
 };

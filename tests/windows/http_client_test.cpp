@@ -2,11 +2,13 @@
 
 #include <winsock2.h>
 
+#include <mutex>
 #include <stop_token>
 #include <thread>
 
 #include "net/http_post_client.h"
 #include "net/http_result.h"
+#include "support/exchanged.h"
 #include "support/install_scenario.h"
 #include "support/wininet_faults.h"
 #include "support/zip_builder.h"
@@ -33,6 +35,27 @@ class Http : public InstallScenario {
 
   const std::string content_ = TestBytes(10000);
   HttpClient client_{app.userAgent};
+};
+
+// What kinds of handle were closed, in order, when the threads of requests are in no hurry to.
+struct LateClosings {
+  static inline decltype(&::InternetCloseHandle) close;
+  static inline DWORD hurriedThread;
+  static inline std::mutex mutex;
+  static inline std::vector<DWORD> kinds;
+
+  static BOOL WINAPI Close(HINTERNET handle) {
+    if (GetCurrentThreadId() != hurriedThread) Sleep(100);
+    DWORD kind = 0, size = sizeof kind;
+    WinInet().InternetQueryOption(handle, INTERNET_OPTION_HANDLE_TYPE, &kind, &size);
+    const std::lock_guard lock(mutex);
+    kinds.push_back(kind);
+    return close(handle);
+  }
+  static std::vector<DWORD> Kinds() {
+    const std::lock_guard lock(mutex);
+    return kinds;
+  }
 };
 
 }  // namespace
@@ -91,6 +114,26 @@ TEST_F(Http, AnAnswerThatCantBeTheRestLeavesWhatIsThere) {
   cut.closeAfter = 1000;  // together with what was there more than the rest that is announced
   EXPECT_EQ(Download(6000, cut), "206: 1000 of 4000, error 0, cut short");
   EXPECT_EQ(ReadTestFile(file_), content_.substr(0, 7000));
+}
+
+// Closing a session closes what was opened in it. The next session's handles may have the same numbers: a request that
+// closed its own only now would end another one.
+TEST_F(Http, ASessionIsClosedAfterItsRequests) {
+  LateClosings::close = WinInet().InternetCloseHandle;
+  LateClosings::hurriedThread = GetCurrentThreadId();
+  LateClosings::kinds.clear();
+  const Exchanged late(WinInet().InternetCloseHandle, &LateClosings::Close);
+  server_.Answer("/a", Serving(TestBytes(400'000)));
+  const DownloadProgressCallback cancelOnceTheThreadIsFarAhead = [](DownloadProgress* progress) {
+    if (progress->downloaded == 0) return;
+    Sleep(300);
+    progress->cancel = true;
+  };
+  EXPECT_TRUE(HttpClient(app.userAgent).DownloadToFile(kUrl, file_, 0, cancelOnceTheThreadIsFarAhead).cancelled);
+  for (int tries = 0; tries < 1000 && LateClosings::Kinds().size() < 3; ++tries) Sleep(10);
+  EXPECT_EQ(LateClosings::Kinds(),
+            (std::vector<DWORD>{INTERNET_HANDLE_TYPE_HTTP_REQUEST, INTERNET_HANDLE_TYPE_CONNECT_HTTP,
+                                INTERNET_HANDLE_TYPE_INTERNET}));
 }
 
 TEST_F(Http, TheSocketsOwnCodesCountAsTheClients) {
