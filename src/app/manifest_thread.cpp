@@ -17,26 +17,25 @@
 namespace {
 
 // Fetches once a second while the network is down; the user is told at the first failure, and when it is given up.
-bool FetchPersistently() {
+ManifestFetch FetchPersistently() {
   Retries retries{RetryRules{}};
   ManifestFetch fetch = FetchManifest();
-  if (fetch.ok) return true;
-  if (app.cancelRequested) return false;
+  if (fetch.ok || app.cancelRequested) return fetch;
   ShowManifestError(fetch.result.error);
-  if (!retries.AnotherAfter(fetch.result, 0)) return false;
+  if (!retries.AnotherAfter(fetch.result, 0)) return fetch;
   do {
-    if (!retries.Pause(app.cancelRequested.Token())) return false;
+    if (!retries.Pause(app.cancelRequested.Token())) return fetch;
     fetch = FetchManifest();
-    if (fetch.ok) return true;
+    if (fetch.ok) return fetch;
   } while (retries.AnotherAfter(fetch.result, 0));
   if (!app.cancelRequested) ShowManifestError(fetch.result.error);
-  return false;
+  return fetch;
 }
 
-// True when there is something to load, a fresh cache or a document just fetched.
-bool ObtainDocument() {
-  if (IsManifestCacheFresh()) return true;
-  if (EnsureTempFolder() == TempFolder::Repaired && IsManifestCacheFresh()) return true;
+// Ok when there is something to load, a fresh cache or a document just fetched.
+ManifestFetch ObtainDocument() {
+  if (IsManifestCacheFresh()) return {.ok = true};
+  if (EnsureTempFolder() == TempFolder::Repaired && IsManifestCacheFresh()) return {.ok = true};
   return FetchPersistently();
 }
 
@@ -66,8 +65,8 @@ HWND InstallButton() {
 }
 
 // Once the list is filled the user may press Install, which replaces the page: the button to press for the command line
-// is therefore taken before.
-void LoadAndShow(bool startRequested) {
+// is therefore taken before. A document that can't be loaded may be one that was cut off by `transferError`.
+void LoadAndShow(bool startRequested, uint32_t transferError) {
   const int packages = LoadDocument();
   const HWND installButton = InstallButton();
   if (packages > 0) {
@@ -75,7 +74,7 @@ void LoadAndShow(bool startRequested) {
     SendMessageW(app.mainWindow, kFillComponentListMessage, 0, 0);
   } else {
     if (app.restartRequested) return;
-    if (!app.cancelRequested) ShowManifestError(ERROR_INVALID_DATA);
+    if (!app.cancelRequested) ShowManifestError(transferError != 0 ? transferError : uint32_t{ERROR_INVALID_DATA});
   }
   if (LastCacheSave() == CacheSave::NotWritable) OfferRepairOfCache();
   if (startRequested && !app.updateInProgress) SendMessageW(installButton, BM_CLICK, 0, 0);
@@ -87,6 +86,7 @@ DWORD WINAPI ManifestThreadProc(void*) {
   SetThreadLanguage(app.uiLanguage);
   // By this program's own command line; one that another start forwards only changes what Install would install.
   const bool startRequested = !app.installList.Get()->empty();
-  if (ObtainDocument()) LoadAndShow(startRequested);
+  const ManifestFetch document = ObtainDocument();
+  if (document.ok) LoadAndShow(startRequested, document.result.error);
   return 0;
 }

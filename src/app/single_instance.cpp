@@ -66,7 +66,7 @@ bool ClaimSingleInstance(const std::wstring& commandLine) {
   if (TakeMutex()) return true;
   if (const HWND window = FindWindowW(kWindowClassName, nullptr)) {
     ForwardCommandLine(window, commandLine);
-    ShowWindow(window, SW_RESTORE);
+    ShowWindowAsync(window, SW_RESTORE);  // a window that hangs must not keep this process, too
     SetForegroundWindow(window);
     return false;
   }

@@ -12,6 +12,7 @@
 #include "install/package_texts.h"
 #include "install/run_display.h"
 #include "install/zip_archive.h"
+#include "net/file_hash.h"
 #include "net/telemetry_reports.h"
 #include "system/files.h"
 #include "system/handles.h"
@@ -31,43 +32,69 @@ constexpr int kDots = 3;
 // A program by path, with its command line: a blank and the arguments, or nothing.
 struct InstallerCommand {
   std::wstring program, arguments;
+  FileHandle held;  // of a program that was unpacked: nobody may exchange it before it runs
 };
 
-// Whether the archive holds an entry that unpacks to this path below its target.
-bool ArchiveHolds(const std::wstring& archivePath, const std::wstring& path) {
+// Whether the file has the bytes of the archive's current entry.
+bool HasBytesOfEntry(HANDLE file, ZipArchive& archive, const std::string& password) {
+  constexpr uint32_t kChunkSize = 65'536;
+  std::vector<char> packed(kChunkSize), present(kChunkSize);
+  if (archive.OpenEntry(password) != 0 || !SetFilePointerEx(file, {}, nullptr, FILE_BEGIN)) return false;
+  bool same = true;
+  for (int32_t count = 1; same && count > 0 && !app.cancelRequested;) {
+    count = archive.ReadEntry(packed.data(), kChunkSize);
+    DWORD read = 0;
+    // Behind the entry's last byte the file has none either.
+    same = count >= 0 &&
+           ReadFile(file, present.data(), std::max<DWORD>(static_cast<DWORD>(count), 1), &read, nullptr) &&
+           read == static_cast<DWORD>(count) && std::equal(present.begin(), present.begin() + count, packed.begin());
+  }
+  return archive.CloseEntry() == 0 && same && !app.cancelRequested;
+}
+
+// Whether the archive holds an entry of this path below its target, with the bytes of the file.
+bool ArchiveHolds(const RunState& run, const Package& package, const std::wstring& path, HANDLE file) {
   ZipArchive archive;
-  if (archive.Open(archivePath) != ERROR_SUCCESS) return false;
+  if (archive.Open(PackageFilePath(run, package.filename)) != ERROR_SUCCESS) return false;
   for (int32_t position = archive.GoToFirstEntry(); position == 0; position = archive.GoToNextEntry()) {
     ZipEntry entry;
     if (archive.GetEntryInfo(entry) != 0) continue;
-    if (CompareStringOrdinal(EntryPath(entry.name).c_str(), -1, path.c_str(), -1, TRUE) == CSTR_EQUAL) return true;
+    const bool found = CompareStringOrdinal(EntryPath(entry.name).c_str(), -1, path.c_str(), -1, TRUE) == CSTR_EQUAL;
+    if (found && HasBytesOfEntry(file, archive, package.password)) return true;
   }
   return false;
 }
 
-// Whether the file at this path is the package's own. What lay there before has been proven by nobody.
-bool IsFromPackage(const RunState& run, const Package& package, std::wstring path) {
+// Whether the command's held program, at this path below the target, is the package's own. What lay there before has
+// been proven by nobody, and what couldn't be overwritten lies there still.
+bool IsFromPackage(const RunState& run, const Package& package, const InstallerCommand& command, std::wstring path) {
   std::replace(path.begin(), path.end(), L'/', L'\\');
   if (package.filetype == kInstallerType) return false;
-  if (package.filetype == kZipType) return ArchiveHolds(PackageFilePath(run, package.filename), path);
-  return path == WidenBytes(package.filename);
+  if (package.filetype == kZipType) return ArchiveHolds(run, package, path, command.held.Get());
+  if (path != WidenBytes(package.filename)) return false;
+  const HashProgressCallback endWhenCancelled = [](HashProgress* progress) { progress->cancel = app.cancelRequested; };
+  const std::string hash = ComputeFileMd5(command.program, endWhenCancelled);
+  return !hash.empty() && hash == ComputeFileMd5(PackageFilePath(run, package.filename), endWhenCancelled);
 }
 
 InstallerCommand CommandOf(const RunState& run, const Package& package, const std::wstring& target) {
   const std::vector<std::string> pieces = SplitTaskText(package.install);
   InstallerCommand command;
   command.program = PathInTarget(target, WidenBytes(pieces[0]));
-  const bool own =
-      FileExistsNonEmpty(command.program) &&
-      IsFromPackage(run, package,
-                    command.program.substr(std::min(command.program.size(), JoinPath(target, L"").size())));
-  if (!own) command.program = PackageFilePath(run, package.filename);
+  const std::wstring path = command.program.substr(std::min(command.program.size(), JoinPath(target, L"").size()));
+  const bool own = FileExistsNonEmpty(command.program) &&
+                   HoldFile(command.program, command.held, app.cancelRequested.Token()) == ERROR_SUCCESS &&
+                   IsFromPackage(run, package, command, path);
+  if (!own) {
+    command.held.Reset();
+    command.program = PackageFilePath(run, package.filename);
+  }
   if (pieces.size() > 1) command.arguments = L" " + WidenBytes(pieces[1]);
   return command;
 }
 
 // Returns 0 and the process, or the system error.
-DWORD Start(InstallerCommand command, KernelHandle& process) {
+DWORD Start(InstallerCommand& command, KernelHandle& process) {
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION info;
@@ -115,7 +142,8 @@ void OfferManualStart(const std::wstring& program) {
 }  // namespace
 
 uint32_t RunInstallTask(RunState& run, const Package& package, const std::wstring& target) {
-  const InstallerCommand command = CommandOf(run, package, target);
+  InstallerCommand command = CommandOf(run, package, target);
+  if (app.cancelRequested) return ERROR_CANCELLED;
   KernelHandle process;
   if (const DWORD error = Start(command, process)) {
     run.errorRecords += InstallerNotStartedRecord(package.filename, error);

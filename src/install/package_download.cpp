@@ -28,24 +28,19 @@
 
 namespace {
 
+constexpr uint32_t kRangeNotSatisfiable = 416;
+
 // How one source went; a failure says why.
 struct SourceOutcome {
   enum { Done, Failed, Redo, Cancelled } state;
   uint32_t error = 0;
 };
 
-// Keeps what is there from being changed; without it nothing is proven. Who looks at a file that has just been written,
-// a scanner for instance, soon leaves it again. Returns 0 or the system error.
-uint32_t HoldFile(const std::wstring& file, FileHandle& held) {
-  constexpr int kTries = 20;
-  constexpr uint32_t kPauseMs = 100;
-  for (int i = 1;; ++i) {
-    held.Reset(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
-                           nullptr));
-    const DWORD error = held ? DWORD{ERROR_SUCCESS} : GetLastError();
-    if (error != ERROR_SHARING_VIOLATION || i == kTries) return error;
-    if (!SleepUnlessStopped(kPauseMs, app.cancelRequested.Token())) return error;
-  }
+// Holds the package's file or its record. download.held when another program keeps it. Returns 0 or the system error.
+uint32_t Hold(PackageDownload& download, const std::wstring& path, FileHandle& held) {
+  const uint32_t error = HoldFile(path, held, app.cancelRequested.Token());
+  download.held = error == ERROR_SHARING_VIOLATION;
+  return error;
 }
 
 void TakeAsProven(PackageDownload& download, FileHandle held) {
@@ -64,6 +59,18 @@ std::string HashPackageFile(const std::wstring& file) {
 void RefreshManifest() {
   AppendLog(L"Downloading packages manifest");
   if (FetchManifest().ok && LoadManifest() > 0) AppendLog(L"Packages manifest updated successfully");
+}
+
+// Whether the manifest is older than what the sources offer and knows the package in another version now.
+bool RefreshBringsAnother(PackageDownload& download) {
+  if (download.run.manifestRefreshed) return false;
+  RefreshManifest();
+  const auto manifest = CurrentManifest();
+  const auto found = manifest->packages.find(download.package.filename);
+  if (found == manifest->packages.end()) return false;
+  const Package& now = found->second;
+  download.run.manifestRefreshed = now.size != download.package.size || now.md5 != download.package.md5;
+  return download.run.manifestRefreshed;
 }
 
 // Ends a source whose file isn't what the manifest says. `hash` is empty when none was computed.
@@ -91,7 +98,7 @@ SourceOutcome ProveDownloadedFile(PackageDownload& download, const std::string& 
     return ReactToMismatch(download, source, result, fileSize, {});
   }
   FileHandle held;
-  if (const uint32_t error = HoldFile(download.file, held)) return {SourceOutcome::Failed, error};
+  if (const uint32_t error = Hold(download, download.file, held)) return {SourceOutcome::Failed, error};
   const std::string hash = HashPackageFile(download.file);
   if (app.cancelRequested) return {SourceOutcome::Cancelled};
   if (hash == download.package.md5) {
@@ -108,7 +115,7 @@ SourceOutcome ProveDownloadedFile(PackageDownload& download, const std::string& 
 // A package without `md5` is taken as it came.
 SourceOutcome TakeDownloadedFile(PackageDownload& download) {
   FileHandle held;
-  if (const uint32_t error = HoldFile(download.file, held)) return {SourceOutcome::Failed, error};
+  if (const uint32_t error = Hold(download, download.file, held)) return {SourceOutcome::Failed, error};
   TakeAsProven(download, std::move(held));
   return {SourceOutcome::Done};
 }
@@ -164,6 +171,9 @@ SourceOutcome TrySource(PackageDownload& download, const std::string& source) {
 
   const HttpResult result = TransferFromSource(download, WidenBytes(download.package.sources.at(source)));
   if (result.cancelled || app.cancelRequested) return {SourceOutcome::Cancelled};
+  if (result.error == ERROR_HTTP_INVALID_SERVER_RESPONSE || result.statusCode == kRangeNotSatisfiable) {
+    download.refused = true;
+  }
   if (result.error != 0) {
     TellTransferError(download, source, result);
     return {SourceOutcome::Failed, result.error};
@@ -191,17 +201,21 @@ SourceOutcome TrySources(PackageDownload& download) {
   SourceOutcome outcome{SourceOutcome::Failed, ERROR_NOT_FOUND};
   for (const std::string& source : SourceOrder(download)) {
     outcome = TrySource(download, source);
-    if (outcome.state != SourceOutcome::Failed) break;
+    // Another source would begin anew what is there as a whole.
+    if (outcome.state != SourceOutcome::Failed || download.held) break;
     // A box that told of the failure may have been open while the window was closed.
     if (app.cancelRequested) return {SourceOutcome::Cancelled};
   }
   return outcome;
 }
 
-// Whether the file that is there was begun for exactly this package.
-bool HasMatchingRecord(const PackageDownload& download) {
+// Whether the file that is there was begun for exactly this package. Not to be told while download.held.
+bool HasMatchingRecord(PackageDownload& download) {
   if (download.package.md5.empty() || !PathExists(download.file)) return false;
-  const auto record = ReadWholeFile(StatRecordPath(download.file));
+  const std::wstring path = StatRecordPath(download.file);
+  FileHandle held;
+  if (Hold(download, path, held) != ERROR_SUCCESS) return false;
+  const auto record = ReadWholeFile(path);
   return record && StatRecordMatches(*record, download.size, download.package.md5);
 }
 
@@ -212,12 +226,11 @@ void StartOver(PackageDownload& download) {
   if (!download.stale) WriteStatRecord(download);
 }
 
-// Proves a file that an earlier run has brought whole. False when it isn't right, when hashing was cancelled, and when
-// the file is download.held.
+// Proves a file that an earlier run has brought whole. False when it isn't right, when hashing was cancelled, and while
+// download.held.
 bool ProvePresentFile(PackageDownload& download) {
   FileHandle held;
-  const uint32_t error = HoldFile(download.file, held);
-  download.held = error == ERROR_SHARING_VIOLATION;
+  const uint32_t error = Hold(download, download.file, held);
   if (app.cancelRequested || download.held) return false;
   const std::string hash = error == ERROR_SUCCESS ? HashPackageFile(download.file) : "";
   if (app.cancelRequested) return false;
@@ -227,10 +240,13 @@ bool ProvePresentFile(PackageDownload& download) {
   return right;
 }
 
-// Makes use of what an earlier run has left: true when that is the whole file, proven. Otherwise download.offset tells
-// where to go on; what can't be gone on with has been removed, and the record that lets a later run resume is there.
+// Makes use of what an earlier run has left: true when that is the whole file, proven. Otherwise, unless download.held,
+// download.offset tells where to go on; what can't be gone on with has been removed, and the record that lets a later
+// run resume is there.
 bool TakeUpEarlierFile(PackageDownload& download) {
-  if (!HasMatchingRecord(download)) {
+  const bool matches = HasMatchingRecord(download);
+  if (download.held) return false;
+  if (!matches) {
     StartOver(download);
     return false;
   }
@@ -287,6 +303,7 @@ DownloadOutcome DownloadPackage(RunState& run, const Package& package, size_t in
     case SourceOutcome::Cancelled:
       return DownloadOutcome::Cancelled;
     case SourceOutcome::Failed:
+      if (download.refused && RefreshBringsAnother(download)) return DownloadOutcome::Redo;
       break;
   }
   return AskAfterFailure(package, outcome.error);

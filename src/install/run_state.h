@@ -41,7 +41,8 @@ struct RunState {
   uint64_t upsizeTotal = 0;  // sum of the packages' upsize
   uint64_t upsizeDone = 0;   // sum over the packages that the install phase is done with
 
-  RetryRules retryRules{.most = kPatience.retries};
+  // A source that knows no ranges and always breaks off early must not be downloaded sixty times.
+  RetryRules retryRules{.most = kPatience.retries, .mostRepeats = 2};
   HttpClient downloads{app.userAgent, app.cancelRequested.Token()};
   HttpPostClient reports{app.userAgent, app.cancelRequested.Token()};
 };

@@ -12,11 +12,12 @@ struct PackageDownload {
   RunState& run;
   const Package& package;
   StatsRecord& stats;
-  uint64_t size;        // of the package file as the manifest has it
-  std::wstring file;    // path of the package file
-  uint64_t offset = 0;  // where the next transfer starts
-  bool stale = false;   // what is there belongs to another package and could not be removed
-  bool held = false;    // the whole file is there, but another program keeps it from being proven
+  uint64_t size;         // of the package file as the manifest has it
+  std::wstring file;     // path of the package file
+  uint64_t offset = 0;   // where the next transfer starts
+  bool stale = false;    // what is there belongs to another package and could not be removed
+  bool refused = false;  // a source told that what is there is no beginning of what it has
+  bool held = false;     // another program keeps what is there from being proven: nothing may overwrite it
 };
 
 // Where a transfer that goes on with the present file starts: 0 when the file can't become right by getting longer.

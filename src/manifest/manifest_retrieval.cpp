@@ -25,8 +25,8 @@ ManifestFetch FetchManifest() {
   manifestBuffer.clear();
   const HttpResult result =
       HttpClient(app.userAgent, app.cancelRequested.Token()).GetToStream(BuildManifestUrl(), manifestBuffer);
-  // A body that was begun, dropped and then refused counts as received, too.
-  return {result.received != 0 && !manifestBuffer.empty(), result};
+  // A body that couldn't be decoded is there, too, when the second answer is refused.
+  return {result.received != 0 && IsAccepted(result.statusCode) && !manifestBuffer.empty(), result};
 }
 
 bool IsManifestCacheFresh() {

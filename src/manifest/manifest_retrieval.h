@@ -9,8 +9,8 @@
 std::wstring BuildManifestUrl();
 
 struct ManifestFetch {
-  bool ok = false;    // something was received
-  HttpResult result;  // of the client
+  bool ok = false;         // something was received
+  HttpResult result = {};  // of the client
 };
 
 // Fetches the manifest into manifestBuffer, which is emptied first. Manifest thread or worker.

@@ -14,8 +14,9 @@ constexpr uint32_t kSystemGraceMs = 5000;
 // A sink takes a body:
 //   uint32_t Begin(const HttpHead& head, HttpResult& result)  a body follows; again after a head `withoutGzip`
 //   uint32_t Store(std::string_view chunk, HttpResult& result)
-// Both return 0 or the error that ends the transfer, and set result.cancelled to end it without one. `offset` is how
-// much of the file was there before the body.
+//   uint32_t Write(std::string_view bytes)  of a transfer that was given up; there may be no body
+// They return 0 or the error that ends the transfer; the first two set result.cancelled to end it without one. `offset`
+// is how much of the file was there before the body.
 
 struct MemorySink {
   std::string& body;
@@ -25,8 +26,9 @@ struct MemorySink {
     if (head.withoutGzip) body.clear();
     return ERROR_SUCCESS;
   }
-  uint32_t Store(std::string_view chunk, HttpResult&) {
-    body.append(chunk);
+  uint32_t Store(std::string_view chunk, HttpResult&) { return Write(chunk); }
+  uint32_t Write(std::string_view bytes) {
+    body.append(bytes);
     return ERROR_SUCCESS;
   }
 };
@@ -55,16 +57,21 @@ struct FileSink {
   }
 
   uint32_t Store(std::string_view chunk, HttpResult& result) {
-    DWORD written = 0;
-    if (!WriteFile(file.Get(), chunk.data(), static_cast<DWORD>(chunk.size()), &written, nullptr))
-      return GetLastError();
-    if (written != chunk.size()) return ERROR_DISK_FULL;
+    if (const uint32_t error = Write(chunk)) return error;
     progress.downloaded += chunk.size();
     progress.speedLimit = speedLimit;
     if (callback) callback(&progress);
     result.cancelled = progress.cancel;
     if (!progress.cancel) speedLimit = progress.speedLimit;
     return ERROR_SUCCESS;
+  }
+
+  uint32_t Write(std::string_view bytes) {
+    DWORD written = 0;
+    if (!WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr)) {
+      return GetLastError();
+    }
+    return written == bytes.size() ? DWORD{ERROR_SUCCESS} : DWORD{ERROR_DISK_FULL};
   }
 
  private:
@@ -87,15 +94,11 @@ struct FileSink {
   }
 };
 
-bool IsAccepted(const HttpHead& head) {
-  return head.statusCode == HTTP_STATUS_OK || head.statusCode == HTTP_STATUS_PARTIAL_CONTENT;
-}
-
 // Whether an answer can bring the rest of a file whose first `rangeStart` bytes are there: a sign-in page, or a part
 // that begins elsewhere, would destroy them.
 bool CanFollow(const HttpHead& head, uint64_t rangeStart) {
   if (head.statusCode == HTTP_STATUS_PARTIAL_CONTENT) return !head.contentStart || *head.contentStart == rangeStart;
-  return head.length ? *head.length >= rangeStart : !head.isPage;
+  return head.length ? *head.length >= rangeStart : rangeStart == 0 || !head.isPage;
 }
 
 // 0 when a body may be stored.
@@ -103,10 +106,17 @@ uint32_t TakeHead(const HttpHead& head, uint64_t rangeStart, HttpResult& result)
   result.statusCode = head.statusCode;
   // Taken and closed without a word.
   if (head.statusCode == 0) return ERROR_INTERNET_CONNECTION_ABORTED;
-  if (!IsAccepted(head)) return ERROR_SUCCESS;
+  if (!IsAccepted(head.statusCode)) return ERROR_SUCCESS;
   result.total = head.announced;
   result.isPage = head.isPage && head.statusCode == HTTP_STATUS_OK;
   return CanFollow(head, rangeStart) ? ERROR_SUCCESS : uint32_t{ERROR_HTTP_INVALID_SERVER_RESPONSE};
+}
+
+// The line is ahead of whoever stores, under a speed limit by seconds.
+template <typename Sink>
+void KeepRest(HttpLine& line, Sink& sink, HttpResult& result) {
+  const std::string_view rest = line.TakeRest();
+  if (sink.Write(rest) == ERROR_SUCCESS) result.received += rest.size();
 }
 
 // Decides whether a body that is over is complete. A server or proxy that closes the connection looks like a regular
@@ -174,7 +184,7 @@ HttpResult HttpClient::Receive(const std::wstring& url, uint64_t rangeStart, Sin
         bodyBytes = 0;
         if (head.withoutGzip) gzipEnabled_ = false;
         result.error = TakeHead(head, rangeStart, result);
-        if (result.error != ERROR_SUCCESS || !IsAccepted(head)) return result;
+        if (result.error != ERROR_SUCCESS || !IsAccepted(head.statusCode)) return result;
         result.error = sink.Begin(head, result);
         break;
       case HttpEvent::Bytes:
@@ -187,9 +197,11 @@ HttpResult HttpClient::Receive(const std::wstring& url, uint64_t rangeStart, Sin
       case HttpEvent::End:
         result.error = event.error;
         result.cancelled = event.stopped;
+        if (result.cancelled) KeepRest(line, sink, result);
         Conclude(head, bodyBytes, sink.offset, result);
         return result;
     }
+    if (result.cancelled) KeepRest(line, sink, result);
     if (result.error != ERROR_SUCCESS || result.cancelled) return result;
   }
 }

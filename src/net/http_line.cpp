@@ -346,6 +346,14 @@ HttpEvent HttpLine::Next() {
   return {.kind = HttpEvent::Bytes, .bytes = chunk};
 }
 
+std::string_view HttpLine::TakeRest() {
+  const Lock guard(exchange_->lock);
+  taken_.erase(0, used_);
+  if (!exchange_->head) taken_ += std::exchange(exchange_->bytes, {});  // else they belong to another body
+  used_ = taken_.size();
+  return taken_;
+}
+
 std::optional<HttpEvent> HttpLine::WaitForMore() {
   Exchange& exchange = *exchange_;
   const Lock guard(exchange.lock);

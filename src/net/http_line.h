@@ -73,6 +73,9 @@ class HttpLine {
   // there is no answer the end comes at once. After the end it must not be called again.
   HttpEvent Next();
 
+  // What has come of the body and was not handed out yet, for whoever gives the transfer up; valid until the next call.
+  std::string_view TakeRest();
+
   struct Exchange;
 
  private:

@@ -24,6 +24,11 @@ struct HttpResult {
 // A body that can't be decoded. The headers have no name for it.
 inline constexpr uint32_t kErrorDecodingFailed = 12175;
 
+// Whether an answer brings a body that is taken.
+constexpr bool IsAccepted(uint32_t statusCode) {
+  return statusCode == HTTP_STATUS_OK || statusCode == HTTP_STATUS_PARTIAL_CONTENT;
+}
+
 // Errors that a brief outage causes: the same request may succeed a moment later.
 constexpr bool IsRetryableNetworkError(uint32_t code) {
   return code == ERROR_INTERNET_TIMEOUT || code == ERROR_INTERNET_NAME_NOT_RESOLVED ||

@@ -6,13 +6,16 @@
 
 bool Retries::AnotherAfter(const HttpResult& attempt, uint64_t reached) {
   const bool ledFurther = reached > farthest_;
-  const bool repeated = !first_ && attempt.received != 0 && !ledFurther;
+  if (ledFurther) {
+    farthest_ = reached;
+    fruitless_ = repeats_ = 0;
+  } else {
+    ++fruitless_;
+    if (attempt.received != 0 && !first_) ++repeats_;
+  }
   first_ = false;
-  farthest_ = std::max(farthest_, reached);
   if (attempt.cancelled || !(IsRetryableNetworkError(attempt.error) || attempt.cutShort)) return false;
-  if (rules_.mustLeadFurther && repeated) return false;
-  fruitless_ = ledFurther ? 0 : fruitless_ + 1;
-  return fruitless_ <= rules_.most || rules_.most == RetryRules::kForEver;
+  return fruitless_ <= rules_.most && repeats_ <= rules_.mostRepeats;
 }
 
 bool Retries::Pause(const std::stop_token& stop) const { return SleepUnlessStopped(rules_.pauseMs, stop); }

@@ -12,7 +12,7 @@ struct RetryRules {
 
   uint32_t most = kForEver;              // retries in a row that lead no further
   uint32_t pauseMs = kPatience.pauseMs;  // before each
-  bool mustLeadFurther = false;          // a retry that brings data, but no more than one before it, is the last one
+  uint32_t mostRepeats = kForEver;       // of them, such as bring data: the same once more
 };
 
 class Retries {
@@ -31,5 +31,6 @@ class Retries {
   RetryRules rules_;
   bool first_ = true;
   uint32_t fruitless_ = 0;
+  uint32_t repeats_ = 0;
   uint64_t farthest_;
 };

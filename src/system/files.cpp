@@ -6,6 +6,7 @@
 
 #include "system/handles.h"
 #include "system/path_names.h"
+#include "system/threads.h"
 
 namespace {
 
@@ -84,6 +85,18 @@ std::optional<std::string> ReadWholeFile(const std::wstring& path) {
     bytes.append(chunk, count);
   } while (count != 0);
   return bytes;
+}
+
+uint32_t HoldFile(const std::wstring& path, FileHandle& held, const std::stop_token& stop) {
+  constexpr int kTries = 20;
+  constexpr uint32_t kPauseMs = 100;
+  for (int i = 1;; ++i) {
+    held.Reset(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
+                           nullptr));
+    const DWORD error = held ? DWORD{ERROR_SUCCESS} : GetLastError();
+    if (error != ERROR_SHARING_VIOLATION || i == kTries) return error;
+    if (!SleepUnlessStopped(kPauseMs, stop)) return error;
+  }
 }
 
 std::optional<int64_t> FileAgeSeconds(const std::wstring& path) {

@@ -3,7 +3,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <stop_token>
 #include <string>
+
+#include "system/handles.h"
 
 // Whether a file or folder of that name exists: 0, or the Win32 error of the look at it.
 uint32_t FindPath(const std::wstring& path);
@@ -24,6 +27,11 @@ uint32_t CreateDirectories(const std::wstring& path);
 
 // The whole file as bytes; nothing when it can't be opened or read.
 std::optional<std::string> ReadWholeFile(const std::wstring& path);
+
+// Opens a file for reading and keeps everybody else from writing, renaming and deleting it as long as the handle is
+// open. Who looks at a file that has just been written, a scanner for instance, soon leaves it again: another program
+// is waited for, two seconds at most or until the stop. Returns 0 or the Win32 error.
+uint32_t HoldFile(const std::wstring& path, FileHandle& held, const std::stop_token& stop);
 
 // Seconds since the file was last written, negative for a time to come; nothing when it can't be told.
 std::optional<int64_t> FileAgeSeconds(const std::wstring& path);

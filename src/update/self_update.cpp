@@ -38,8 +38,7 @@ struct Update {
 bool ProveAndHold(Update& update) {
   bool right = false;
   RunWhileServing(update.dialog, [&] {
-    update.held.Reset(CreateFileW(update.file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (const uint32_t error = HoldFile(update.file, update.held, app.cancelRequested.Token())) update.error = error;
     right = update.held && ComputeFileMd5(update.file, nullptr) == update.md5;
   });
   if (!right) update.held.Reset();
@@ -56,7 +55,7 @@ HttpResult Download(Update& update, const std::wstring& url) {
 }
 
 HttpResult DownloadThroughOutage(Update& update, const std::wstring& url) {
-  Retries retries({.most = kPatience.retries, .mustLeadFurther = true});
+  Retries retries({.most = kPatience.retries, .mostRepeats = 0});
   HttpResult result = Download(update, url);
   bool again = true;
   while (again && retries.AnotherAfter(result, result.received)) {

@@ -117,6 +117,7 @@ Response BuildResponse(const RecordedRequest& request, const ScriptedAnswer& ans
   if (answer.announceLength) {
     response.head += "Content-Length: " + std::to_string(response.body.size()) + "\r\n";
   }
+  if (answer.page) response.head += "Content-Type: text/html; charset=UTF-8\r\n";
   if (answer.gzip) response.head += "Content-Encoding: gzip\r\n";
   response.head += "\r\n";
   return response;

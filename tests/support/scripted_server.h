@@ -13,6 +13,7 @@ struct ScriptedAnswer {
   std::string body = {};
   bool honourRange = true;                 // answer 206 with the rest of the body to a range request that it covers
   bool announceLength = true;              // send Content-Length
+  bool page = false;                       // send Content-Type text/html
   bool gzip = false;                       // pack the body, whatever the client takes
   std::optional<size_t> closeAfter = {};   // close the connection after so many body bytes
   bool closeWithoutAnswer = false;         // close it before the first byte

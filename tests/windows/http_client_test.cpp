@@ -103,17 +103,22 @@ TEST_F(Http, APackedBodyIsUnpacked) {
 TEST_F(Http, AnAnswerThatCantBeTheRestLeavesWhatIsThere) {
   const std::string there = content_.substr(0, 6000);
   WriteTestFile(file_, there);
-  ScriptedAnswer signIn = Serving("<html>Sign in</html>"), elsewhere = Serving(content_), closed, cut = elsewhere;
-  signIn.honourRange = false;
+  ScriptedAnswer signIn = Serving("<html>Sign in</html>"), elsewhere = Serving(content_), closed, cut = elsewhere,
+                 endless = signIn;
+  signIn.honourRange = endless.honourRange = false;
   elsewhere.rangeFrom = 5000;
   closed.closeWithoutAnswer = true;
+  endless.page = true;
+  endless.announceLength = false;
   EXPECT_EQ(Download(6000, signIn), "200: 0 of 20, error 12152");
+  EXPECT_EQ(Download(6000, endless), "200: 0 of 0, error 12152");
   EXPECT_EQ(Download(6000, elsewhere), "206: 0 of 5000, error 12152");
   EXPECT_EQ(Download(6000, closed), "0: 0 of 0, error 12030");
   EXPECT_EQ(ReadTestFile(file_), there);
   cut.closeAfter = 1000;  // together with what was there more than the rest that is announced
   EXPECT_EQ(Download(6000, cut), "206: 1000 of 4000, error 0, cut short");
   EXPECT_EQ(ReadTestFile(file_), content_.substr(0, 7000));
+  EXPECT_EQ(Download(0, endless), "200: 20 of 0, error 0") << "where nothing is there, it may be what was asked for";
 }
 
 // Closing a session closes what was opened in it. The next session's handles may have the same numbers: a request that
@@ -131,6 +136,7 @@ TEST_F(Http, ASessionIsClosedAfterItsRequests) {
   };
   EXPECT_TRUE(HttpClient(app.userAgent).DownloadToFile(kUrl, file_, 0, cancelOnceTheThreadIsFarAhead).cancelled);
   for (int tries = 0; tries < 1000 && LateClosings::Kinds().size() < 3; ++tries) Sleep(10);
+  EXPECT_GT(FileSize(file_), 200'000u) << "what the thread was ahead is kept";
   EXPECT_EQ(LateClosings::Kinds(),
             (std::vector<DWORD>{INTERNET_HANDLE_TYPE_HTTP_REQUEST, INTERNET_HANDLE_TYPE_CONNECT_HTTP,
                                 INTERNET_HANDLE_TYPE_INTERNET}));

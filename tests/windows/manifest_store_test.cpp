@@ -60,12 +60,18 @@ TEST_F(ManifestStore, UrlTellsTheRepositoryWhatApplies) {
 }
 
 TEST_F(ManifestStore, AnAnswerThatIsNoManifestIsTold) {
-  for (const char* answer : {"<html><body>Sign in</body></html>", "<downloader><packages>", "no XML"}) {
+  ScriptedAnswer cutOff = Serving("<downloader><packages></packages></downloader>");
+  cutOff.closeAfter = 20;
+  const std::pair<ScriptedAnswer, const wchar_t*> cases[] = {{Serving("<html><body>Sign in</body></html>"), L"13"},
+                                                             {Serving("<downloader><packages>"), L"13"},
+                                                             {Serving("no XML"), L"13"},
+                                                             {cutOff, L"12030"}};
+  for (const auto& [answer, error] : cases) {
     const BoxRecorder boxes({IDOK});
-    server_.Answer("/play/files/repository.php", Serving(answer));
+    server_.Answer("/play/files/repository.php", answer);
     ManifestThreadProc(nullptr);
-    ASSERT_EQ(boxes.Boxes().size(), 1u) << answer;
-    EXPECT_TRUE(boxes.Boxes()[0].text.starts_with(L"Error: 13\n"));
+    ASSERT_EQ(boxes.Boxes().size(), 1u) << answer.body;
+    EXPECT_TRUE(boxes.Boxes()[0].text.starts_with(std::wstring(L"Error: ") + error + L"\n")) << answer.body;
     EXPECT_NE(boxes.Boxes()[0].text.find(L"Unable to download packages list"), std::wstring::npos);
   }
 }

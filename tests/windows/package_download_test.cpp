@@ -48,6 +48,39 @@ TEST_F(PackageDownloadTest, KeepsResumesOrReplacesWhatIsThere) {
   }
 }
 
+// A scanner or a backup: nothing of what is there may be lost for that.
+TEST_F(PackageDownloadTest, WhatAnotherProgramHoldsIsAskedFor) {
+  const std::wstring stat = file_ + L".stat";
+  for (const auto& [held, content] : {std::pair(file_, kFox), {stat, kFox.substr(0, 20)}}) {
+    WriteTestFile(file_, content);
+    DeleteFileW(stat.c_str());
+    WriteTestFile(stat, "43|" + kFoxMd5);
+    const FileHandle other(CreateFileW(held.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                       OPEN_EXISTING, 0, nullptr));
+    const BoxRecorder boxes({IDYES});
+    EXPECT_EQ(Download(), DownloadOutcome::FailedRetry);
+    EXPECT_NE(boxes.Boxes().at(0).text.find(L"Error code: 32"), std::wstring::npos);
+    EXPECT_EQ(Requested(), "nothing");
+    EXPECT_EQ(ReadTestFile(file_), content);
+  }
+}
+
+// The mirrors have a new version already, and what is there is longer than that.
+TEST_F(PackageDownloadTest, ARefusedRestIsLookedForInANewerManifest) {
+  server_.Answer("/fox", Serving("", 416));
+  for (const bool newer : {false, true}) {
+    WriteTestFile(file_, std::string(60, 'x'));
+    const std::string size = newer ? "43" : "100";
+    server_.Answer("/play/files/repository.php",
+                   Serving("<downloader><packages><package><filename value='fox'/><size value='" + size +
+                           "'/><md5 value='" + kFoxMd5 + "'/></package></packages></downloader>"));
+    package_.size = 100;
+    WriteTestFile(file_ + L".stat", "100|" + kFoxMd5);
+    const BoxRecorder boxes(newer ? std::deque<int>{} : std::deque{IDYES});
+    EXPECT_EQ(Download(), newer ? DownloadOutcome::Redo : DownloadOutcome::FailedRetry);
+  }
+}
+
 // The last one has no secure channel, so it is asked over http.
 TEST_F(PackageDownloadTest, TheSelectedSourceIsTriedFirstThenTheOthersInOrder) {
   const std::string missing = "http://zendora.example/missing";
@@ -94,6 +127,15 @@ TEST_F(PackageDownloadTest, AnswersThatAreCutShortAreGoneOnWith) {
   EXPECT_EQ(ReadTestFile(file_), kFox);
   EXPECT_EQ(server_.Requests().size(), 5u);
   EXPECT_EQ(run_.errorRecords, "");
+
+  cut.honourRange = false;  // each retry brings the same
+  server_.Answer("/fox", cut);
+  server_.Answer("/right", Serving(kFox));
+  package_.sources["other"] = "http://zendora.example/right";
+  run_.proven.clear();
+  WriteTestFile(file_, "");
+  EXPECT_EQ(Download(), DownloadOutcome::Done);
+  EXPECT_EQ(server_.RequestsOf("/fox").size(), 5u + 4u);
 }
 
 TEST_F(PackageDownloadTest, WhatWasProvenCantBeChanged) {

@@ -195,6 +195,23 @@ TEST_F(PackagePlacementTest, OnlyThePackagesOwnInstallerIsRun) {
   }
 }
 
+// It has the size and the name of the package's own, and is held so that it can't be overwritten: that counts as
+// complete, but nobody has proven it.
+TEST_F(PackagePlacementTest, AHeldInstallerOfAnotherOriginIsNotRun) {
+  const std::string program = SetupProgram();
+  std::string planted = program;
+  planted.back() = static_cast<char>(planted.back() + 1);
+  const std::wstring path = target_ + L"\\setup.exe";
+  WriteTestFile(path, planted);
+  const FileHandle held(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  Pack({{"setup.exe", program}});
+  package_.install = "setup.exe|/note " + WideToUtf8(note_);
+  const BoxRecorder boxes({IDNO});
+  Place();
+  EXPECT_FALSE(PathExists(note_));
+  EXPECT_NE(boxes.Boxes().at(0).text.find(file_), std::wstring::npos);
+}
+
 TEST_F(PackagePlacementTest, AnInstallerThatDoesntStartIsShownToTheUser) {
   const BoxRecorder boxes({IDYES});
   const ShellRecorder shell;

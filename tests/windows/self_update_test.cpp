@@ -33,27 +33,43 @@ BOOL WINAPI CloseBeforeCopy(const wchar_t* source, const wchar_t* target, BOOL f
   return realCopyFile(source, target, failIfExists);
 }
 
+class SelfUpdate : public testing::Test {
+ protected:
+  // The new program is there already. Returns what was started in the end.
+  std::vector<RecordedStart> UpdateUntilTheWindowIsClosed() {
+    const TestWindow window(CreateProgramWindow);
+    const ShellRecorder shell;
+    app.exePath = folder_ / L"setup.exe";
+    app.backupPath = app.exePath + L".backup";
+    app.commandLine = L"-install fox";
+    app.tmpPath.Set(folder_.Path());
+    app.updateInProgress = true;
+    WriteTestFile(app.exePath, "the old program");
+    WriteTestFile(UpdateFilePath(), kNewProgram);
+    std::thread([] {
+      RunSelfUpdate({.md5 = "9e107d9d372bb6826bd81d3542a419d6", .helpURL = "", .filesize = 0, .urls = {}});
+    }).join();
+    EXPECT_TRUE(window.WaitUntilClosed());
+    EXPECT_EQ(ReadTestFile(app.exePath), kNewProgram);
+    return shell.Starts();
+  }
+
+  const TempFolder folder_;
+};
+
+TEST_F(SelfUpdate, TheNewProgramLearnsThatItIsOne) {
+  const std::vector<RecordedStart> starts = UpdateUntilTheWindowIsClosed();
+  ASSERT_EQ(starts.size(), 1u);
+  EXPECT_EQ(starts[0].parameters, L"updated");
+}
+
 // The replacement takes several steps, and a process that ended between them would leave it half done.
-TEST(SelfUpdate, AWindowClosedMeanwhileWaitsForTheNewProgramAndStaysClosed) {
-  const TempFolder folder;
-  const TestWindow window(CreateProgramWindow);
-  const ShellRecorder shell;
-  app.exePath = folder / L"setup.exe";
-  app.backupPath = app.exePath + L".backup";
-  app.tmpPath.Set(folder.Path());
-  app.updateInProgress = true;
-  WriteTestFile(app.exePath, "the old program");
-  WriteTestFile(UpdateFilePath(), kNewProgram);
+TEST_F(SelfUpdate, AWindowClosedMeanwhileWaitsForTheNewProgramAndStaysClosed) {
   realCopyFile = importedCopyFile;
   closingPageShown = false;
   const ReplacedImport copy(importedCopyFile, CloseBeforeCopy);
-  std::thread([] {
-    RunSelfUpdate({.md5 = "9e107d9d372bb6826bd81d3542a419d6", .helpURL = "", .filesize = 0, .urls = {}});
-  }).join();
+  EXPECT_TRUE(UpdateUntilTheWindowIsClosed().empty()) << "who has closed the program doesn't want it back";
   EXPECT_TRUE(closingPageShown);
-  EXPECT_TRUE(window.WaitUntilClosed());
-  EXPECT_EQ(ReadTestFile(app.exePath), kNewProgram);
-  EXPECT_TRUE(shell.Starts().empty()) << "who has closed the program doesn't want it back";
 }
 
 }  // namespace

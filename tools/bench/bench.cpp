@@ -65,9 +65,9 @@ FileHandle CreateNewFile(const std::wstring& path) {
 
 void DownloadBare(const std::wstring& url, const std::wstring& path) {
   const ParsedUrl target = CrackUrl(url);
-  const InternetHandle session = OpenSession(L"bench");
+  const HttpSession session = OpenSession(L"bench");
   const InternetHandle connection(WinInet().InternetConnect(
-      session.Get(), target.host.c_str(), PortOfScheme(target.scheme), L"", L"", INTERNET_SERVICE_HTTP, 0, 0));
+      session->Get(), target.host.c_str(), PortOfScheme(target.scheme), L"", L"", INTERNET_SERVICE_HTTP, 0, 0));
   const InternetHandle request(WinInet().HttpOpenRequest(connection.Get(), L"GET", target.path.c_str(), nullptr,
                                                          nullptr, nullptr,
                                                          INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE, 0));
