@@ -1,6 +1,7 @@
 """The computer that the installer runs on: a Wine prefix in a private network, with disks and a cable that can fail."""
 import os
 import shutil
+import socket
 import subprocess
 import time
 from pathlib import Path
@@ -8,6 +9,9 @@ from pathlib import Path
 # The private network's own.
 HOSTS = Path("/etc/hosts")
 RECEIVE_BUFFERS = Path("/proc/sys/net/ipv4/tcp_rmem")
+RECEIVE_BUFFER = 8 * 1024
+SEND_BUFFERS = Path("/proc/sys/net/ipv4/tcp_wmem")
+NAMESERVER = ("127.0.0.1", 53)
 # Where the system keeps lists of its own about every request, beside what programs let it keep.
 SYSTEM_LISTS = "users/*/AppData/Local/Microsoft/Windows/*/index.dat"
 ROOMY = 64 * 1024 * 1024
@@ -20,7 +24,10 @@ class Machine:
         user = next(folder.name for folder in (drive / "users").iterdir() if folder.name != "Public")
         self.program_data = f"C:\\users\\{user}\\AppData\\Roaming\\Zendora\\Installer"
         # What is on its way to a process that is ended is lost. It is little on a real line; here it could be megabytes.
-        RECEIVE_BUFFERS.write_bytes(b"4096 16384 32768")
+        RECEIVE_BUFFERS.write_bytes(b"4096 %d %d" % (RECEIVE_BUFFER, RECEIVE_BUFFER))
+        # Whoever sends to somebody who doesn't read has to notice it.
+        SEND_BUFFERS.write_bytes(b"4096 4096 4096")
+        self.nameserver = None
         subprocess.run(["ip", "link", "set", "lo", "mtu", "1500"], check=True)
 
     def path(self, windows_path):
@@ -64,10 +71,20 @@ class Machine:
     def connect(self):
         self.switch(False)
 
-    def forget_names(self):
-        HOSTS.write_bytes(b"127.0.0.1 localhost\n")
+    def forget_names(self, known=""):
+        """All but this one."""
+        HOSTS.write_bytes(f"127.0.0.1 localhost {known}\n".encode())
+
+    def hush_nameserver(self, known):
+        """Questions for other names than this one arrive, and are never answered."""
+        self.nameserver = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.nameserver.bind(NAMESERVER)
+        self.forget_names(known)
 
     def name_hosts(self):
+        if self.nameserver:
+            self.nameserver.close()
+            self.nameserver = None
         if HOSTS.read_bytes() != self.names:
             HOSTS.write_bytes(self.names)
 

@@ -6,9 +6,10 @@ import subprocess
 import time
 from dataclasses import dataclass, field
 
-from faults import site as sites
+from faults import machine as machines, site as sites
 
 ARCHIVE, PLAIN = "a.zip", "b.dat"
+TARGETS = ("archive", "plain")
 TEMPORARY, GAMES = "C:\\matrix\\temporary", "C:\\matrix\\games"
 PROGRAM_FOLDER = "C:\\program"
 PROGRAM_FILE = "FaultMatrix.exe"
@@ -17,6 +18,8 @@ PROGRAM = PROGRAM_FOLDER + "\\" + PROGRAM_FILE
 CLOSE_LIMIT = 5  # seconds that a process may take to end
 TWICE_LIMIT = 0.02  # of the bytes; again for each time that the process was killed while they came
 CHUNK = 4096  # bytes that the program reads at once; a reset destroys one that is not full
+# Bytes that have arrived, and may not yet have been read: in the system's buffer, in one TLS record, in one read.
+UNREAD = machines.RECEIVE_BUFFER + sites.PIECE + CHUNK
 MOST_BOXES = 10
 RETRYABLE = {12002, 12007, 12029, 12030, 12031}
 
@@ -57,6 +60,7 @@ class Point:
         self.scheme, self.mirrored = "http", False
         self.warned = False  # by a box, since the program was started
         self.boxes = 0
+        self.stored = dict.fromkeys(TARGETS, 0)  # how long each file has been at most
 
     # --- For the kinds
 
@@ -102,7 +106,7 @@ class Point:
 
     def offer(self):
         self.site.offer(sites.REPOSITORY, "manifest", self.packages.manifest(self.scheme, self.mirrored))
-        for target in ("archive", "plain"):
+        for target in TARGETS:
             name, content = self.packages.file(target)
             self.site.offer("/packages/" + name, target, content)
             self.site.offer("/mirror/" + name, target, content)
@@ -164,6 +168,7 @@ class Point:
         deadline = time.monotonic() + self.patience
         while time.monotonic() < deadline:
             self.do_what_is_due()
+            self.note_stored()
             event = self.player.watch(25)
             if event[0] == "box":
                 self.answer(*event[1:])
@@ -209,7 +214,7 @@ class Point:
         if self.boxes > MOST_BOXES:
             raise Broken("it asks again and again")
         if self.kind.no_room:
-            self.count_what_is_there()
+            self.forget_unkept({})
         self.mend()
         if "try again?" in text:
             self.player.step("answer", "yes")
@@ -223,18 +228,32 @@ class Point:
             self.close_and_start_again()
 
     def close_and_start_again(self):
+        arrived = {target: self.site.arrived(target) for target in TARGETS}
         self.close()
-        self.count_what_is_there()
+        self.check_kept(arrived)
+        self.forget_unkept({} if self.kind.no_room else arrived)
         self.mend()
         self.start()
 
-    def count_what_is_there(self):
-        """What the system takes off the line while a program gives it up has not been downloaded."""
+    def forget_unkept(self, arrived):
+        """What came after that much of the files had arrived counts only if it was stored: Wine reads on when a
+        transfer is given up."""
         self.site.hang_up()
         self.site.mended.clear()
-        for target in ("archive", "plain"):
-            file = self.machine.path(f"{self.temporary}\\{self.packages.file(target)[0]}")
-            self.site.trim(target, file.stat().st_size if file.exists() else 0)
+        self.note_stored()
+        for target in TARGETS:
+            self.site.trim(target, max(self.stored[target], arrived.get(target, 0)))
+
+    def note_stored(self):
+        for target in TARGETS:
+            self.stored[target] = max(self.stored[target], self.size(target))
+
+    def size(self, target):
+        """Of what is there of the package."""
+        try:
+            return self.machine.path(f"{self.temporary}\\{self.packages.file(target)[0]}").stat().st_size
+        except FileNotFoundError:
+            return 0
 
     def kill_and_start_again(self, meanwhile=lambda: None):
         self.note("kill")
@@ -252,6 +271,7 @@ class Point:
             if time.monotonic() > begin + 4 * CLOSE_LIMIT:
                 raise Broken("it can't be closed")
             if event[0] == "box":
+                self.note(f"[{event[1]}] {event[2]!r}")
                 self.player.step("answer", "no" if event[2].endswith("?") else "ok")
             if not asked:
                 asked = self.player.step("close")[0] == "ok"
@@ -263,6 +283,16 @@ class Point:
 
     # --- What must hold
 
+    def check_kept(self, arrived):
+        """What had arrived before the program was asked to close is in its files."""
+        if self.kind.destroys or self.kind.no_room or self.result.kills:
+            return
+        for target in TARGETS:
+            lost = arrived[target] - self.size(target)
+            self.note(f"{target}: {lost} of {arrived[target]} bytes lost")
+            if lost > UNREAD:
+                raise Broken(f"{lost} bytes of {target} were lost by closing it")
+
     def check_installation(self):
         if self.machine.tree(self.games) != self.packages.expected:
             raise Broken("what is installed isn't right")
@@ -270,14 +300,14 @@ class Point:
         temporary = self.machine.tree(self.temporary)
         if strange := set(temporary) - allowed:
             raise Broken(f"left in the temporary folder: {strange}")
-        for target in ("archive", "plain"):
+        for target in TARGETS:
             name, content = self.packages.file(target)
             if temporary.get(name) != content:
                 raise Broken(f"{name} isn't right")
         self.close()
         self.site.hang_up()
-        self.result.twice = self.site.twice(("archive", "plain")) / self.package_bytes()
-        resets = self.site.resets * CHUNK / self.package_bytes()
+        self.result.twice = self.site.twice(TARGETS) / self.package_bytes()
+        resets = sum(self.site.resets_in_body[target] for target in TARGETS) * CHUNK / self.package_bytes()
         if not self.kind.destroys and self.result.twice > TWICE_LIMIT * max(1, self.result.kills) + resets:
             raise Broken(f"{100 * self.result.twice:.1f} % of the bytes were carried twice")
 

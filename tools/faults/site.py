@@ -7,6 +7,7 @@ import struct
 import subprocess
 import threading
 import time
+from collections import Counter
 
 HOST, MIRROR = "zendora.example", "mirror.zendora.example"
 REPOSITORY, TELEMETRY = "/play/files/repository.php", "/play/files/telemetry.php"
@@ -18,11 +19,12 @@ REASONS = {200: "OK", 206: "Partial Content", 302: "Found", 404: "Not Found", 41
 class Line:
     """One connection, and how it ends."""
 
-    def __init__(self, raw):
+    def __init__(self, raw, site):
         # What is sent must not be far ahead of what has arrived.
         raw.setsockopt(socket.SOL_SOCKET, socket.SO_SNDBUF, 16 * 1024)
         raw.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
         self.socket = raw
+        self.site = site
         self.received = b""
         self.target, self.stretch = "", [0, 0]  # first and end of the file bytes sent last
         self.delivers = False  # closed in order: what is still under way arrives
@@ -30,8 +32,8 @@ class Line:
     def secure(self, context):
         self.socket = context.wrap_socket(self.socket, server_side=True)
 
-    def read_request(self):
-        """The head and body of the next request; nothing when the other side has closed."""
+    def read_head(self):
+        """Path and headers of the next request; nothing when the other side has closed."""
         while b"\r\n\r\n" not in self.received:
             more = self.socket.recv(64 * 1024)
             if not more:
@@ -39,18 +41,18 @@ class Line:
             self.received += more
         head, self.received = self.received.split(b"\r\n\r\n", 1)
         lines = head.decode("latin-1").split("\r\n")
-        headers = dict(line.lower().split(": ", 1) for line in lines[1:] if ": " in line)
-        length = int(headers.get("content-length", 0))
-        while len(self.received) < length:
-            more = self.socket.recv(64 * 1024)
-            if not more:
-                return None
+        return lines[0].split(" ")[1], dict(line.lower().split(": ", 1) for line in lines[1:] if ": " in line)
+
+    def skip_body(self, length):
+        """Of the request. What is missing when the other side closes is missed with the next head."""
+        while len(self.received) < length and (more := self.socket.recv(64 * 1024)):
             self.received += more
         self.received = self.received[length:]
-        return lines[0].split(" ")[1], headers
 
     def undelivered(self):
         """Bytes that the other side's system has not acknowledged."""
+        if self.socket.fileno() == -1:
+            return 0
         info = self.socket.getsockopt(socket.IPPROTO_TCP, socket.TCP_INFO, 256)
         acknowledged, = struct.unpack_from("<Q", info, 120)
         waiting, = struct.unpack_from("<I", info, 144)
@@ -62,14 +64,19 @@ class Line:
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
         self.socket.close()
 
-    def hush(self, until):
-        """Says nothing until the other side gives up or the event comes."""
-        while not until.is_set() and not select.select([self.socket], [], [], 0.05)[0]:
+    def hush(self):
+        """Says nothing until the other side gives up, or the site is mended."""
+        self.site.silences += 1
+        while not self.site.mended.is_set() and not select.select([self.socket], [], [], 0.05)[0]:
             pass
+
+    def hush_unread(self):
+        self.site.silences += 1
+        self.site.mended.wait()
 
     def settle(self):
         """Takes from the count what has not arrived."""
-        if not self.delivers and self.socket.fileno() != -1:
+        if not self.delivers:
             self.stretch[1] = max(self.stretch[0], self.stretch[1] - self.undelivered())
         self.stretch = [0, 0]
 
@@ -92,6 +99,7 @@ class Answer:
         self.start = int(asked[len("bytes="):].split("-")[0]) if asked.startswith("bytes=") else 0
         self.secure = isinstance(line.socket, ssl.SSLSocket)
         self.goes_on = True  # the connection serves the next request, too
+        self.in_body = False
 
     def head(self, status, length=None, **more):
         fields = {"Content-Type": "application/octet-stream"}
@@ -116,6 +124,7 @@ class Answer:
     def send_file(self, first, end):
         """Sends these bytes of the file at the site's rate, and counts them."""
         stretch = [first, first]
+        self.in_body = True
         self.site.begin_stretch(self.line, self.target, stretch)
         due = time.monotonic()
         while first < end:
@@ -134,12 +143,12 @@ class Answer:
         self.goes_on = False
 
     def reset(self):
-        self.site.resets += 1
+        self.site.resets_in_body[self.target] += self.in_body
         self.line.reset()
         self.goes_on = False
 
     def hush(self):
-        self.line.hush(self.site.mended)
+        self.line.hush()
         self.goes_on = False
 
     def right(self):
@@ -183,18 +192,20 @@ class Site:
         self.certificates = {"own": make_certificate(folder, HOST, 30),
                              "foreign": make_certificate(folder, "other.example", 30),
                              "expired": make_certificate(folder, "old." + HOST, -1)}
-        self.listeners = []
+        self.listeners, self.fillers = [], []
         self.lines = set()
         self.threads = set()
         self.lock = threading.Lock()
-        self.faults, self.handshake_faults = [], []
+        self.faults, self.handshake_faults, self.unread = [], [], ""
         self.clear()
 
     def clear(self):
         """As new: whole, fast, and nothing counted."""
         self.files, self.carried, self.requests = {}, {}, []
         self.faults, self.handshake_faults = [], []
-        self.resets = 0
+        self.unread = ""  # bodies of requests for this target are not taken off the line
+        self.resets_in_body = Counter()  # by target
+        self.silences = 0
         self.rate = 5_000_000  # bytes a second
         self.context = self.certificates["own"]
         self.mended = threading.Event()
@@ -215,10 +226,13 @@ class Site:
         with self.lock:
             self.faults = []
             self.handshake_faults = []
+            self.unread = ""
         self.mended.set()
         self.listen()
 
     def listen(self):
+        if self.fillers:
+            self.refuse()
         if self.listeners:
             return
         for port in (80, 443):
@@ -231,13 +245,25 @@ class Site:
         for listener in self.listeners:
             listener.shutdown(socket.SHUT_RDWR)
             listener.close()
-        self.listeners = []
+        for filler in self.fillers:
+            filler.close()
+        self.listeners, self.fillers = [], []
+
+    def ignore(self):
+        """From now on whoever wants to connect hears nothing: the system is silent to those who find the queue full."""
+        self.refuse()
+        for port in (80, 443):
+            self.listeners.append(socket.create_server(("", port), backlog=0))
+            filler = socket.socket()
+            filler.setblocking(False)  # somebody else may have been faster
+            filler.connect_ex(("127.0.0.1", port))
+            self.fillers.append(filler)
 
     def accept(self, listener, port):
         try:
             while True:
                 raw, _ = listener.accept()
-                thread = threading.Thread(target=self.serve, args=(Line(raw), port), daemon=True)
+                thread = threading.Thread(target=self.serve, args=(Line(raw, self), port), daemon=True)
                 self.threads.add(thread)
                 thread.start()
         except OSError:
@@ -249,8 +275,12 @@ class Site:
         try:
             if port == 443 and not self.shake_hands(line):
                 return
-            while request := line.read_request():
+            while request := line.read_head():
                 answer = Answer(self, line, *request)
+                if answer.target == self.unread:
+                    line.hush_unread()
+                    return
+                line.skip_body(int(answer.headers.get("content-length", 0)))
                 act = self.choose(answer)
                 (act or Answer.right)(answer)
                 if not answer.goes_on:
@@ -316,6 +346,12 @@ class Site:
     def total(self):
         """How many bytes of files have been sent so far."""
         return sum(end - first for stretches in list(self.carried.values()) for first, end in list(stretches))
+
+    def arrived(self, target):
+        """How far this file has come."""
+        with self.lock:
+            under_way = sum(line.undelivered() for line in self.lines if line.target == target and line.stretch[1])
+            return max((end for _, end in self.carried.get(target, [])), default=0) - under_way
 
     def trim(self, target, length):
         """Forgets that anything beyond this length was carried."""
