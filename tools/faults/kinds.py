@@ -6,7 +6,7 @@ from typing import Callable
 
 from faults import answers, update
 from faults.point import GAMES, TEMPORARY, Point
-from faults.site import HOST
+from faults.site import HOST, MIRROR, REPOSITORY
 
 FULL_DISK, LOCKED_DISK = "C:\\full", "C:\\locked"
 
@@ -42,11 +42,23 @@ def trouble(point, target, make, most=3, standing_share=0.3):
     point.fault(target, [make(rng) for _ in range(1 if standing else rng.randint(1, most))], standing, host)
 
 
+def maybe_close(point):
+    if point.rng.random() < 0.4:
+        point.after(point.rng.uniform(0, 4), point.close_and_start_again)
+
+
+def close_in_silence(point):
+    """Now and then, once the site has become silent."""
+    point.moments.append((lambda: point.site.silences, lambda: maybe_close(point)))
+
+
 def broken(phase, manner):
     def set_up(point):
         target = somewhere(point)
         # Each silence costs seconds, of which a package bears sixty.
         standing = 0.3 if manner != "silent" or target == "manifest" else 0
+        if manner == "silent":
+            close_in_silence(point)
         trouble(point, target, lambda rng: answers.cut(phase, manner, rng), 2 if manner == "silent" else 3, standing)
 
     return Kind(f"{manner}-{'before-answer' if phase == 'before' else 'in-' + phase}", set_up)
@@ -88,6 +100,23 @@ def handshake(point):
         point.site.handshake_faults = [end] * count
         return
     point.when_carried(rng.randint(1, point.package_bytes()), lambda: point.site.handshake_faults.extend([end] * count))
+
+
+def silent_handshake(point):
+    point.scheme = "https"
+    point.offer()
+    rng = point.rng
+
+    def begin(count):
+        point.site.mended.clear()  # the window may have been closed before, and whatever was wrong mended
+        point.site.handshake_faults = [answers.hush_in_handshake] * count
+        point.site.break_lines()
+
+    close_in_silence(point)
+    if rng.random() < 0.5:
+        begin(rng.choice((1, 2, 1000)))
+    else:
+        point.when_carried(rng.randint(1, point.package_bytes()), lambda: begin(rng.randint(1, 2)))
 
 
 def certificate(name):
@@ -133,6 +162,46 @@ def no_name(point):
         point.site.break_lines()
 
     for_a_while(point, begin, point.machine.name_hosts)
+
+
+def silent_connect(point):
+    def begin():
+        point.note("it begins")
+        point.site.ignore()
+        point.site.break_lines()
+        maybe_close(point)
+
+    def for_seconds():
+        begin()
+        point.after(point.rng.uniform(0.2, 12), point.site.listen)
+
+    if point.rng.random() < 0.5:
+        point.when_carried(point.rng.randint(1, point.package_bytes()), for_seconds)
+    else:
+        # Only the list may be waited for until somebody has been asked.
+        point.rng.choice((begin, for_seconds))()
+
+
+def silent_name(point):
+    """Of all hosts, or of that of the packages alone. What has been looked up once stays known."""
+    rng = point.rng
+    manifest = point.packages.manifest(point.scheme, point.mirrored)
+    point.site.offer(REPOSITORY, "manifest", manifest.replace(f"//{HOST}/".encode(), f"//{MIRROR}/".encode()))
+    known = rng.choice(("", HOST))
+    point.machine.hush_nameserver(known)
+    if known or rng.random() < 0.5:
+        point.after(rng.uniform(2, 12), point.machine.name_hosts)
+    maybe_close(point)
+
+
+def silent_upload(point):
+    """Nobody reads the reports. They name the source, and so are longer than what the systems on both sides hold."""
+    key = "main" * 7500
+    manifest = point.packages.manifest(point.scheme, point.mirrored)
+    point.site.offer(REPOSITORY, "manifest", manifest.replace(b'"main"', f'"{key}"'.encode()))
+    point.arguments = point.arguments.replace("source:main", "source:" + key)
+    point.site.unread = "report"
+    close_in_silence(point)
 
 
 def circle(point):
@@ -229,6 +298,10 @@ def clock(point):
 
 KINDS = [
     *(broken(phase, manner) for manner in ("closed", "reset", "silent") for phase in ("before", "head", "body")),
+    Kind("silent-name", silent_name),
+    Kind("silent-connect", silent_connect),
+    Kind("silent-handshake", silent_handshake),
+    Kind("silent-upload", silent_upload),
     Kind("kept-connection-ends", kept_connection),
     Kind("drip", bad(answers.drip)),
     Kind("no-name", no_name),
