@@ -128,8 +128,8 @@ TEST_F(SelfUpdate, ReplacesItselfAndStartsAnew) {
   StartAndStall(L"install:a.dat source:main");
   const HWND dialog = ExpectBox().window;
   EXPECT_EQ(ShownText(GetDlgItem(dialog, UPDATE_STATUS)), L"Downloading update");
-  EXPECT_EQ(ShownText(GetDlgItem(dialog, UPDATE_TOTAL)), FormatByteSize(static_cast<int64_t>(new_.size())));
   EXPECT_TRUE(WaitUntil([&] { return ShownText(GetDlgItem(dialog, UPDATE_RECEIVED)) == FormatByteSize(kStall); }));
+  EXPECT_EQ(ShownText(GetDlgItem(dialog, UPDATE_TOTAL)), FormatByteSize(static_cast<int64_t>(new_.size())));
   EXPECT_EQ(SendDlgItemMessageW(dialog, UPDATE_PROGRESS, PBM_GETPOS, 0, 0),
             static_cast<LRESULT>(kStall * 100 / new_.size()));
   EXPECT_EQ(ShownText(Window()), L"Zendora Installer") << "the main window doesn't answer";
