@@ -169,8 +169,8 @@ HttpResult HttpClient::Receive(const std::wstring& url, uint64_t rangeStart, Sin
   request.rangeStart = rangeStart;
   request.askForGzip = rangeStart == 0 && gzipEnabled_;
   request.setDecoding = rangeStart == 0;
-  request.timeoutMs = silenceMs_ + kSystemGraceMs;
-  HttpLine line(session_, std::move(request), stop_, {.silenceMs = silenceMs_});
+  request.timeoutMs = kPatience.silenceMs + kSystemGraceMs;
+  HttpLine line(session_, std::move(request), stop_, {.silenceMs = kPatience.silenceMs});
 
   HttpResult result;
   HttpHead head;

@@ -32,8 +32,6 @@ class HttpClient {
   // Whether transfers from byte 0 ask for gzip (WinINet decodes it). On at first; a body that can't be decoded turns
   // it off for good.
   void SetGzipEnabled(bool enabled) { gzipEnabled_ = enabled; }
-  // How long a transfer waits without a byte, kPatience.silenceMs at first.
-  void SetSilence(uint32_t milliseconds) { silenceMs_ = milliseconds; }
 
   // Appends the body to `body`, which is emptied first only where a body is fetched a second time without gzip.
   HttpResult GetToStream(const std::wstring& url, std::string& body);
@@ -55,7 +53,6 @@ class HttpClient {
   std::stop_token stop_;
   bool gzipEnabled_ = true;
   uint32_t speedLimit_ = 0;
-  uint32_t silenceMs_ = kPatience.silenceMs;
   HttpSession session_;
 };
 

@@ -28,29 +28,16 @@ std::string PartOf(const std::string& bytes, Random& random) {
   return bytes.substr(at, Below(random, 64));
 }
 
-// Changes a byte, removes a part, doubles a part, cuts the end off, puts in a part of another input, or fills a number
-// with bits.
+// Removes nothing, some bytes or the whole end, and puts something else there: nothing, a part of an input, another
+// byte, or a number with the same bits.
 void Spoil(std::string& bytes, Random& random, const Corpus& corpus) {
+  const std::string& other = corpus[Below(random, corpus.size())];
   const size_t at = Below(random, bytes.size());
-  switch (random() % 6) {
-    case 0:
-      if (!bytes.empty()) bytes[at] = static_cast<char>(random());
-      break;
-    case 1:
-      bytes.erase(at, Below(random, 64));
-      break;
-    case 2:
-      bytes.insert(at, PartOf(bytes, random));
-      break;
-    case 3:
-      bytes.resize(at);
-      break;
-    case 4:
-      bytes.insert(at, PartOf(corpus[Below(random, corpus.size())], random));
-      break;
-    default:
-      bytes.replace(at, 4, std::string(std::min<size_t>(bytes.size() - at, 4), random() % 2 ? '\xFF' : '\0'));
-  }
+  const std::vector<size_t> removed = {0, 1, 4, Below(random, 64), std::string::npos};
+  const size_t count = removed[Below(random, removed.size())];
+  const char byte = static_cast<char>(random());
+  const Corpus put = {"", PartOf(bytes, random), PartOf(other, random), {byte}, "\xFF\xFF\xFF\xFF", {0, 0, 0, 0}};
+  bytes.replace(at, count, put[Below(random, put.size())]);
 }
 
 std::string Spoilt(std::string bytes, Random& random, const Corpus& corpus) {

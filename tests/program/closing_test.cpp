@@ -18,14 +18,6 @@ class Closing : public InstallerTest {
     ASSERT_TRUE(WaitUntil([this] { return FileSize(TempPath(L"big.dat")) >= kStall; }));
   }
 
-  // Every source fails, so the worker asks whether to try again.
-  InstallerBox StartAndFail() {
-    Offer({package_});
-    server_->Answer(FilePath(package_), {.status = 404});
-    Start(L"install:big.dat source:main");
-    return ExpectBox();
-  }
-
   std::string LastReport() const { return server_->RequestsOf("/play/files/telemetry.php").back().body; }
 
   const TestPackage package_{.filename = "big.dat", .content = TestBytes(kSize), .name = "Big"};
@@ -72,7 +64,10 @@ TEST_F(Closing, TheEndOfTheSessionWaitsForTheWorkerAndItsReport) {
 }
 
 TEST_F(Closing, TheFifthCloseEndsBehindABox) {
-  StartAndFail();
+  Offer({package_});
+  server_->Answer(FilePath(package_), {.status = 404});
+  Start(L"install:big.dat source:main");
+  ExpectBox();  // whether to try again
   for (int i = 0; i < 4; ++i) SendMessageW(Window(), WM_CLOSE, 0, 0);
   ExpectPage(ClosingPage);
   EXPECT_TRUE(Process().Runs());

@@ -1,7 +1,6 @@
-// The program on the desktops of other people: at other scales, operated with the keyboard, while data is in use.
+// The program on the desktops of other people: at other scales, and operated with the keyboard or started twice.
+#include "core/site.h"
 #include "program/installer_test.h"
-#include "resource.h"
-#include "system/files.h"
 
 namespace {
 
@@ -18,19 +17,6 @@ class Desktop : public InstallerTest {
     RegDeleteKeyValueW(HKEY_CURRENT_USER, kDesktopKey, kDpiValue);
     InstallerTest::TearDown();
   }
-
-  // Chooses a command. False when it keeps the window from answering for so long, as one does that shows a box.
-  bool IsDoneWithin(std::chrono::milliseconds limit, int command) {
-    DWORD_PTR result = 0;
-    return SendMessageTimeoutW(Window(), WM_COMMAND, static_cast<WPARAM>(command), 0, SMTO_NORMAL,
-                               static_cast<UINT>(limit.count()), &result) != 0;
-  }
-
-  SIZE ClientSize() {
-    RECT client{};
-    GetClientRect(Window(), &client);
-    return {client.right, client.bottom};
-  }
 };
 
 TEST_F(Desktop, TheWindowIsMadeForTheScaleOfTheScreen) {
@@ -40,10 +26,11 @@ TEST_F(Desktop, TheWindowIsMadeForTheScaleOfTheScreen) {
     SetScreenDpi(static_cast<DWORD>(dpi));
     Start();
     AwaitList();
-    const SIZE client = ClientSize();
-    if (dpi == 96) unscaled = client;
-    EXPECT_EQ(client.cx, MulDiv(unscaled.cx, dpi, 96));
-    EXPECT_EQ(client.cy, MulDiv(unscaled.cy, dpi, 96));
+    RECT client{};
+    GetClientRect(Window(), &client);
+    if (dpi == 96) unscaled = {client.right, client.bottom};
+    EXPECT_EQ(client.right, MulDiv(unscaled.cx, dpi, 96));
+    EXPECT_EQ(client.bottom, MulDiv(unscaled.cy, dpi, 96));
     RECT place{};
     GetWindowRect(Window(), &place);
     EXPECT_NEAR(place.left + place.right, GetSystemMetrics(SM_CXSCREEN), 1) << "the screen is measured in real pixels";
@@ -58,39 +45,45 @@ TEST_F(Desktop, AnInstallationNeedsNoMouse) {
   Offer({first, second});
   Start();
   AwaitList();
-  const auto focus = [this] {
-    GUITHREADINFO thread = {};
-    thread.cbSize = sizeof thread;
-    GetGUIThreadInfo(GetWindowThreadProcessId(Window(), nullptr), &thread);
-    return thread.hwndFocus;
-  };
+  const auto focus = [this] { return FocusOf(Window()); };
   ASSERT_TRUE(WaitUntil([&] { return focus() == ComponentList(Window()); }));
-  for (const WPARAM key : {VK_ESCAPE, VK_DOWN, VK_DOWN, VK_SPACE, VK_TAB}) PressKey(focus(), key);
+  // Neither leaves the page.
+  for (const WPARAM key : {VK_ESCAPE, VK_RETURN}) PressKey(focus(), key);
+  for (const WPARAM key : {VK_HOME, VK_SPACE, VK_TAB}) PressKey(focus(), key);
+  ASSERT_TRUE(WaitUntil([&] { return ShownText(focus()) == L"Install"; }));
+  for (const WPARAM key : {VK_ESCAPE, VK_RETURN}) PressKey(focus(), key);
+  const InstallerBox box = ExpectBox();
+  EXPECT_EQ(box.text, L"You have to select at least one component for installation");
+  AnswerBox(box, IDOK);
+  for (const WPARAM key : {VK_DOWN, VK_SPACE}) PressKey(ComponentList(Window()), key);
   ASSERT_TRUE(WaitUntil([&] { return ShownText(focus()) == L"Install"; }));
   PressKey(focus(), VK_RETURN);
   ExpectEnd();
   ExpectContent(TargetPath(L"N\\b.dat"), second.content);
+  EXPECT_TRUE(server_->RequestsOf(FilePath(first)).empty());
   ASSERT_TRUE(WaitUntil([&] { return ShownText(focus()) == L"Exit"; }));
   PressKey(focus(), VK_SPACE);
   ExpectExit();
 }
 
-// That the command is grey meanwhile can't be seen from another process.
-TEST_F(Desktop, DataInUseCantBeDeleted) {
-  const TestPackage package{.filename = "a.dat", .content = "a", .name = "N"};
-  Offer({package});
-  server_->AnswerNext(FilePath(package), {.body = package.content, .stallBeforeAnswer = true});
-  Start(L"install:a.dat source:main");
-  ASSERT_TRUE(server_->WaitForStall());
-  EXPECT_TRUE(IsDoneWithin(std::chrono::seconds(10), COMMAND_DELETE_APP_DATA));
-  server_->Resume();
+TEST_F(Desktop, ASecondInstanceHandsItsCommandLineToTheFirst) {
+  const TestPackage first{.filename = "a.dat", .content = TestBytes(5000), .name = "N"};
+  const TestPackage second{.filename = "b.dat", .content = TestBytes(5000), .name = "N", .isDefault = false};
+  Offer({first, second});
+  Start();
+  AwaitList();  // Install can be pressed from now on; a command line that is forwarded starts nothing by itself
+  const InstallerProcess again(L"install:b.dat source:main");
+  ASSERT_EQ(again.WaitForExit(), 0u);
+  EXPECT_EQ(FindInstallerWindow(again.Id()), nullptr);
+  PressInstall();
   ExpectEnd();
-  // The worker ends in a moment.
-  EXPECT_TRUE(WaitUntil([this] { return !IsDoneWithin(std::chrono::seconds(1), COMMAND_DELETE_APP_DATA); }));
-  AnswerBox(ExpectBox(L"Following data will be deleted"), IDNO);
-  EXPECT_TRUE(PathExists(TempPath(L"a.dat")));
-  Close();
-  ExpectExit();
+  ExpectContent(TargetPath(L"N\\b.dat"), second.content);
+  EXPECT_TRUE(server_->RequestsOf(FilePath(first)).empty());
+  EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "install_finish"}));
+  const std::string userAgent = std::string("Zendora Installer/") + kProductVersion + " (Windows NT ";
+  for (const RecordedRequest& request : server_->Requests()) {
+    EXPECT_TRUE(request.headers.at("user-agent").starts_with(userAgent)) << request.target;
+  }
 }
 
 }  // namespace

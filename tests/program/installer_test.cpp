@@ -14,10 +14,10 @@ std::string Element(const std::string& name, const std::string& value) {
 }
 
 std::string PackageXml(const TestPackage& package) {
-  std::string xml = "<package><title>" + (package.title.empty() ? package.filename : package.title) + "</title>";
+  std::string xml = "<package><title>" + package.filename + "</title>";
   xml += Element("name", package.name) + Element("filename", package.filename);
   xml += Element("filetype", package.filetype) + Element("password", package.password);
-  xml += Element("verify", package.verify) + Element("default", package.isDefault ? "true" : "false");
+  xml += Element("default", package.isDefault ? "true" : "false");
   xml += Element("md5", package.md5 ? *package.md5 : Md5Of(package.content));
   xml += Element("size", std::to_string(package.content.size()));
   xml += Element("upsize", std::to_string(package.upsize.value_or(package.content.size())));
@@ -151,13 +151,6 @@ void InstallerTest::SetNumber(const wchar_t* setting, DWORD value) {
   RegSetKeyValueW(HKEY_CURRENT_USER, kSettingsKey, setting, REG_DWORD, &value, sizeof value);
 }
 
-DWORD InstallerTest::SettingsCount() {
-  RegKey key;
-  DWORD count = 0;
-  RegOpenKeyExW(HKEY_CURRENT_USER, kSettingsKey, 0, KEY_READ, key.Receive());
-  if (key) {
-    RegQueryInfoKeyW(key.Get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr,
-                     nullptr);
-  }
-  return count;
+bool InstallerTest::HasSetting(const wchar_t* setting) {
+  return RegGetValueW(HKEY_CURRENT_USER, kSettingsKey, setting, RRF_RT_ANY, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
 }

@@ -21,7 +21,7 @@ inline constexpr char kZipType[] = "application/x-zip-compressed";
 struct TestPackage {
   std::string filename;
   std::string content;  // the file itself
-  std::string title = "", name = "", filetype = "", password = "", verify = "";
+  std::string name = "", filetype = "", password = "";
   std::optional<uint64_t> upsize = {};  // that of the content, unless given
   std::optional<std::string> md5 = {};  // likewise
   bool isDefault = true;
@@ -75,8 +75,7 @@ class InstallerTest : public testing::Test {
   // Puts packages or targets elsewhere; before Start.
   static void SetFolder(const wchar_t* setting, const std::wstring& path);
   static void SetNumber(const wchar_t* setting, DWORD value);
-  // How many settings the program has stored.
-  static DWORD SettingsCount();
+  static bool HasSetting(const wchar_t* setting);
 
   std::unique_ptr<ScriptedServer> server_;
   TempFolder games_, downloads_;

@@ -42,7 +42,7 @@ TEST_F(Options, DeletedApplicationDataIsGone) {
                                 dataFolder + L"\n- Folder: " + downloads_.Path();
   AnswerBox(ExpectBox(question), IDNO);
   ASSERT_TRUE(WaitUntil([this] { return !FindBox(Process().Id()).window; }));
-  EXPECT_TRUE(PathExists(dataFolder + L"\\left.zip") && SettingsCount() > 0);
+  EXPECT_TRUE(PathExists(dataFolder + L"\\left.zip") && HasSetting(L"MaxDownloadSpeed"));
   WriteTestFile(TempPath(L"used"), "used");
   {
     const FileHandle user(
@@ -59,13 +59,14 @@ TEST_F(Options, DeletedApplicationDataIsGone) {
   AnswerBox(ExpectBox(L"Application data is deleted"), IDOK);
   EXPECT_FALSE(PathExists(dataFolder));
   EXPECT_FALSE(PathExists(downloads_.Path()));
-  EXPECT_EQ(SettingsCount(), 0u);
+  for (const wchar_t* setting : {L"MaxDownloadSpeed", L"LastTmpPath", L"UUID"}) EXPECT_FALSE(HasSetting(setting));
   Close();
   ExpectExit();
   Start();
   AwaitList();
   EXPECT_TRUE(PathExists(dataFolder + L"\\manifest.xml"));
-  EXPECT_EQ(SettingsCount(), 1u);
+  EXPECT_TRUE(HasSetting(L"UUID"));
+  EXPECT_FALSE(HasSetting(L"MaxDownloadSpeed"));
   Close();
   ExpectExit();
   RemoveFolder(dataFolder);

@@ -24,15 +24,11 @@ constexpr char kManifest[] = R"(<?xml version="1.0" encoding="UTF-8"?>
   <packages>
     <!-- a comment, with <package> in it -->
     <package>
-      <title>The world: мир</title>
-      <group>Game</group>
+      <title>The world: мир</title><group>Game</group>
       <tooltip>Everything &amp; more</tooltip>
-      <name value="World"/>
-      <filename value="world.zip"/>
+      <name value="World"/><filename value="world.zip"/>
       <filetype value="application/x-zip-compressed"/>
-      <size value="0"/>
-      <upsize value="0"/>
-      <md5 value="-"/>
+      <size value="0"/><upsize value="0"/><md5 value="-"/>
       <verify value="game.exe|data/maps"/>
       <default value="true"/>
       <sources>
@@ -50,32 +46,19 @@ constexpr char kManifest[] = R"(<?xml version="1.0" encoding="UTF-8"?>
       </tasks>
     </package>
     <package>
-      <title>Client</title>
-      <group>Game</group>
-      <name value="Client"/>
-      <filename value="client.exe"/>
+      <title>Client</title><group>Game</group>
+      <name value="Client"/><filename value="client.exe"/>
       <filetype value="application/x-msdownload"/>
-      <size value="0"/>
-      <upsize value="777"/>
-      <md5 value="-"/>
-      <sources>
-        <source key="main" url="https://zendora.example/packages/client.exe"/>
-      </sources>
-      <tasks>
-        <install path="setup.exe" args="/quiet"/>
-      </tasks>
+      <size value="0"/><upsize value="777"/><md5 value="-"/>
+      <sources><source key="main" url="https://zendora.example/packages/client.exe"/></sources>
+      <tasks><install path="setup.exe" args="/quiet"/></tasks>
     </package>
     <package>
-      <title>Guide</title>
-      <group>Papers</group>
+      <title>Guide</title><group>Papers</group>
       <folder value="{5}"/>
       <filename value="guide.txt"/>
-      <size value="0"/>
-      <upsize value="0"/>
-      <md5 value="-"/>
-      <sources>
-        <source key="main" url="https://zendora.example/packages/guide.txt"/>
-      </sources>
+      <size value="0"/><upsize value="0"/><md5 value="-"/>
+      <sources><source key="main" url="https://zendora.example/packages/guide.txt"/></sources>
     </package>
   </packages>
 </downloader>

@@ -143,6 +143,13 @@ void PressKey(HWND control, WPARAM key) {
 
 void ChooseCommand(HWND window, int command) { PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(command), 0); }
 
+HWND FocusOf(HWND window) {
+  GUITHREADINFO thread = {};
+  thread.cbSize = sizeof thread;
+  GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &thread);
+  return thread.hwndFocus;
+}
+
 HWND ComponentList(HWND window) { return VisibleChildOfClass(window, WC_LISTVIEWW); }
 
 InstallerBox FindBox(DWORD process) {

@@ -40,6 +40,9 @@ void Press(HWND button);
 void PressKey(HWND control, WPARAM key);
 void ChooseCommand(HWND window, int command);
 
+// The window of its thread that has the focus.
+HWND FocusOf(HWND window);
+
 // The list of components.
 HWND ComponentList(HWND window);
 

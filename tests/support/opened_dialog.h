@@ -8,7 +8,7 @@ class OpenedDialog {
   // Chooses the command and waits for the dialog; fails the test when none opens.
   OpenedDialog(const TestWindow& owner, int command) {
     PostMessageW(owner.Window(), WM_COMMAND, static_cast<WPARAM>(command), 0);
-    EXPECT_TRUE(WaitFor([&] {
+    EXPECT_TRUE(WaitUntil([&] {
       window_ = GetLastActivePopup(owner.Window());
       return window_ != owner.Window() && IsWindowVisible(window_);
     }));
@@ -23,28 +23,10 @@ class OpenedDialog {
   HWND Item(int id) const { return GetDlgItem(window_, id); }
   std::wstring Text(int id) const { return TextOf(Item(id)); }
   void Click(int id) const { SendMessageW(Item(id), BM_CLICK, 0, 0); }
-  // The identifier of the control that has the focus.
-  int Focus() const {
-    GUITHREADINFO thread{};
-    thread.cbSize = sizeof thread;
-    GetGUIThreadInfo(GetWindowThreadProcessId(window_, nullptr), &thread);
-    return GetDlgCtrlID(thread.hwndFocus);
-  }
-  // Moves the focus.
-  void PressTab() const {
-    const int before = Focus();
-    PostMessageW(window_, WM_KEYDOWN, VK_TAB, 1);
-    EXPECT_TRUE(WaitFor([&] { return Focus() != before; }));
-  }
   bool WaitUntilClosed() const {
-    return WaitFor([this] { return !IsWindow(window_); });
+    return WaitUntil([this] { return !IsWindow(window_); });
   }
 
  private:
-  static bool WaitFor(const std::function<bool()>& condition) {
-    for (int i = 0; i < 1000 && !condition(); ++i) Sleep(10);
-    return condition();
-  }
-
   HWND window_ = nullptr;
 };

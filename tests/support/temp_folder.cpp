@@ -5,9 +5,9 @@
 
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 
 #include "system/files.h"
-#include "system/handles.h"
 #include "system/path_names.h"
 
 TempFolder::TempFolder() {
@@ -30,12 +30,8 @@ std::wstring TempFolder::operator/(std::wstring_view name) const { return JoinPa
 
 void WriteTestFile(const std::wstring& path, std::string_view bytes) {
   ASSERT_EQ(CreateDirectories(ParentFolder(path)), 0u);
-  const FileHandle file(
-      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-  ASSERT_TRUE(file);
-  DWORD written = 0;
-  ASSERT_TRUE(WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
-  ASSERT_EQ(written, bytes.size());
+  std::ofstream file(std::filesystem::path(path), std::ios::binary);
+  ASSERT_TRUE(file.write(bytes.data(), static_cast<std::streamsize>(bytes.size())).flush());
 }
 
 std::string ReadTestFile(const std::wstring& path) {

@@ -17,6 +17,7 @@
 #include "app/pages.h"
 #include "core/context.h"
 #include "core/window_messages.h"
+#include "support/installer_window.h"
 #include "ui/mailbox.h"
 #include "ui/page_controls.h"
 
@@ -44,10 +45,22 @@ inline void CreateProgramWindow() {
   app.manifestThread.Reset();
 }
 
+// Where the focus of the window's thread is, and where Tab leads it until it is there again.
+inline std::vector<HWND> TabRound(HWND window) {
+  std::vector<HWND> round{FocusOf(window)};
+  do {
+    PressKey(round.back(), VK_TAB);
+    EXPECT_TRUE(WaitUntil([&] { return FocusOf(window) != round.back(); }));
+    round.push_back(FocusOf(window));
+  } while (round.back() != round.front() && round.size() < 20);
+  round.pop_back();
+  return round;
+}
+
 class TestWindow {
  public:
-  // A bare window with this page: the program's pages, but nobody who handles their commands. It closes on WM_CLOSE.
-  explicit TestWindow(Page page = InstallPage) : TestWindow([page] { CreateBareWindow(page); }) {}
+  // A bare window with the installation page, but nobody who handles its commands. It closes on WM_CLOSE.
+  TestWindow() : TestWindow(CreateBareWindow) {}
   // The window that `create` makes on the UI thread and stores in app.mainWindow.
   explicit TestWindow(const std::function<void()>& create) {
     thread_ = std::thread(&TestWindow::Loop, this, create);
@@ -77,12 +90,8 @@ class TestWindow {
 
   // The lines of the log of the installation page, without line ends.
   std::vector<std::wstring> LogLines() const {
-    std::vector<std::wstring> lines;
-    const std::wstring log = TextOf(Installation().logEdit);
-    for (size_t start = 0, end; (end = log.find(L"\r\n", start)) != std::wstring::npos; start = end + 2) {
-      lines.push_back(log.substr(start, end - start));
-    }
-    return lines;
+    Mailbox::Settle(app.mainWindow);
+    return ::LogLines(window_);
   }
 
  private:
@@ -96,12 +105,11 @@ class TestWindow {
     return result;
   }
   // A label makes a good bare window: it leaves what its children say to the procedure.
-  static void CreateBareWindow(Page page) {
+  static void CreateBareWindow() {
     const DWORD style = WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX | WS_CLIPCHILDREN | WS_VISIBLE;
     app.mainWindow =
         CreateWindowExW(0, L"Static", L"Test", style, 0, 0, 600, 480, nullptr, nullptr, app.instance, nullptr);
-    if (page == ComponentsPage) ShowComponentsPage();
-    if (page == InstallPage) ShowInstallPage();
+    ShowInstallPage();
   }
   void Loop(const std::function<void()>& create) {
     create();

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -20,54 +21,46 @@ struct Image {
 
 constexpr DWORD_PTR kUntouched = 0x1234;
 
-// A module as the common controls are: of two libraries that it loads late, the second is that of visual styles.
-class Module {
- public:
-  Module() {
-    memset(image_, 0, sizeof *image_);
-    Image& image = *image_;
-    image.dos.e_magic = IMAGE_DOS_SIGNATURE;
-    image.dos.e_lfanew = offsetof(Image, headers);
-    image.headers.Signature = IMAGE_NT_SIGNATURE;
-    image.headers.OptionalHeader.Magic = IMAGE_NT_OPTIONAL_HDR_MAGIC;
-    image.headers.OptionalHeader.SizeOfImage = sizeof image;
-    image.headers.OptionalHeader.NumberOfRvaAndSizes = IMAGE_NUMBEROF_DIRECTORY_ENTRIES;
-    image.headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT].VirtualAddress =
-        offsetof(Image, libraries);
-    Describe(0, "other.dll", offsetof(Image, otherNames), offsetof(Image, otherSlots));
-    Describe(1, "UxTheme.DLL", offsetof(Image, uxthemeNames), offsetof(Image, uxthemeSlots));
-    image.otherNames[0].u1.Ordinal = IMAGE_ORDINAL_FLAG | 49;
-    image.uxthemeNames[0].u1.AddressOfData = offsetof(Image, names);  // by name
-    image.uxthemeNames[1].u1.Ordinal = IMAGE_ORDINAL_FLAG | 47;
-    image.uxthemeNames[2].u1.Ordinal = IMAGE_ORDINAL_FLAG | 49;
-    for (DWORD_PTR& slot : image.otherSlots) slot = kUntouched;
-    for (DWORD_PTR& slot : image.uxthemeSlots) slot = kUntouched;
-  }
-  ~Module() { VirtualFree(image_, 0, MEM_RELEASE); }
-  Module(const Module&) = delete;
-  Module& operator=(const Module&) = delete;
+void Describe(Image& image, int library, const char* name, size_t names, size_t slots) {
+  strcpy(image.names[library], name);
+  IMAGE_DELAYLOAD_DESCRIPTOR& descriptor = image.libraries[library];
+  descriptor.Attributes.AllAttributes = 1;  // its addresses are relative
+  descriptor.DllNameRVA = static_cast<DWORD>(offsetof(Image, names) + sizeof image.names[0] * size_t(library));
+  descriptor.ImportNameTableRVA = static_cast<DWORD>(names);
+  descriptor.ImportAddressTableRVA = static_cast<DWORD>(slots);
+}
 
-  Image& Content() { return *image_; }
-  HMODULE Handle() { return reinterpret_cast<HMODULE>(image_); }
-  // As the loader leaves a module.
-  void Protect() {
-    DWORD old = 0;
-    VirtualProtect(image_, sizeof *image_, PAGE_READONLY, &old);
-  }
+DWORD Protect(Image* image, DWORD protection) {
+  DWORD old = 0;
+  VirtualProtect(image, sizeof *image, protection, &old);
+  return old;
+}
 
- private:
-  void Describe(int library, const char* name, size_t names, size_t slots) {
-    Image& image = *image_;
-    strcpy(image.names[library], name);
-    IMAGE_DELAYLOAD_DESCRIPTOR& descriptor = image.libraries[library];
-    descriptor.Attributes.AllAttributes = 1;  // its addresses are relative
-    descriptor.DllNameRVA = static_cast<DWORD>(offsetof(Image, names) + sizeof image.names[0] * size_t(library));
-    descriptor.ImportNameTableRVA = static_cast<DWORD>(names);
-    descriptor.ImportAddressTableRVA = static_cast<DWORD>(slots);
-  }
-
-  Image* image_ = static_cast<Image*>(VirtualAlloc(nullptr, sizeof(Image), MEM_COMMIT, PAGE_READWRITE));
-};
+// A module as the common controls are: of two libraries that it loads late, the second is that of visual styles. The
+// one before is gone.
+Image& MakeModule() {
+  static const auto memory = static_cast<Image*>(VirtualAlloc(nullptr, sizeof(Image), MEM_COMMIT, PAGE_READWRITE));
+  Protect(memory, PAGE_READWRITE);
+  Image& image = *memory;
+  image = {};
+  image.dos.e_magic = IMAGE_DOS_SIGNATURE;
+  image.dos.e_lfanew = offsetof(Image, headers);
+  image.headers.Signature = IMAGE_NT_SIGNATURE;
+  image.headers.OptionalHeader.Magic = IMAGE_NT_OPTIONAL_HDR_MAGIC;
+  image.headers.OptionalHeader.SizeOfImage = sizeof image;
+  image.headers.OptionalHeader.NumberOfRvaAndSizes = IMAGE_NUMBEROF_DIRECTORY_ENTRIES;
+  image.headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT].VirtualAddress =
+      offsetof(Image, libraries);
+  Describe(image, 0, "other.dll", offsetof(Image, otherNames), offsetof(Image, otherSlots));
+  Describe(image, 1, "UxTheme.DLL", offsetof(Image, uxthemeNames), offsetof(Image, uxthemeSlots));
+  image.otherNames[0].u1.Ordinal = IMAGE_ORDINAL_FLAG | 49;
+  image.uxthemeNames[0].u1.AddressOfData = offsetof(Image, names);  // by name
+  image.uxthemeNames[1].u1.Ordinal = IMAGE_ORDINAL_FLAG | 47;
+  image.uxthemeNames[2].u1.Ordinal = IMAGE_ORDINAL_FLAG | 49;
+  std::ranges::fill(image.otherSlots, kUntouched);
+  std::ranges::fill(image.uxthemeSlots, kUntouched);
+  return image;
+}
 
 HWND openedFor;
 std::wstring openedClass;
@@ -77,18 +70,17 @@ HTHEME WINAPI RecordOpening(HWND window, const wchar_t* classList) {
   return reinterpret_cast<HTHEME>(7);
 }
 
+bool Darken(Image& image) { return DarkenScrollBars(reinterpret_cast<HMODULE>(&image), RecordOpening); }
+
 TEST(DarkScrollBars, LeadsOneCallThroughOurs) {
-  Module module;
-  module.Protect();
-  ASSERT_TRUE(DarkenScrollBars(module.Handle(), RecordOpening));
-  const Image& image = module.Content();
+  Image& image = MakeModule();
+  Protect(&image, PAGE_READONLY);  // as the loader leaves a module
+  ASSERT_TRUE(Darken(image));
   for (const DWORD_PTR slot :
        {image.otherSlots[0], image.uxthemeSlots[0], image.uxthemeSlots[1], image.uxthemeSlots[3]}) {
     EXPECT_EQ(slot, kUntouched);
   }
-  MEMORY_BASIC_INFORMATION memory{};
-  VirtualQuery(&image, &memory, sizeof memory);
-  EXPECT_EQ(memory.Protect, DWORD{PAGE_READONLY}) << "as it was";
+  EXPECT_EQ(Protect(&image, PAGE_READONLY), DWORD{PAGE_READONLY}) << "as it was";
 
   const auto open = reinterpret_cast<decltype(&RecordOpening)>(image.uxthemeSlots[2]);
   const HWND window = reinterpret_cast<HWND>(3);
@@ -111,21 +103,18 @@ TEST(DarkScrollBars, LeavesOtherModulesAlone) {
       [](Image& image) { image.headers.Signature = 0; },
       [](Image& image) { image.headers.OptionalHeader.NumberOfRvaAndSizes = IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT; },
       [](Image& image) { image.headers.OptionalHeader.DataDirectory[13].VirtualAddress = 0; },
-      [](Image& image) { image.headers.OptionalHeader.DataDirectory[13].VirtualAddress = kOutside; },
       [](Image& image) { strcpy(image.names[1], "uxtheme.dl"); },
       [](Image& image) { image.libraries[1].DllNameRVA = kOutside; },
       [](Image& image) { image.libraries[1].Attributes.AllAttributes = 0; },
-      [](Image& image) { image.libraries[1].ImportNameTableRVA = kOutside; },
       [](Image& image) { image.libraries[1].ImportAddressTableRVA = kOutside; },
-      [](Image& image) { image.libraries[1].ImportAddressTableRVA = 0; },
       [](Image& image) { image.uxthemeNames[2].u1.Ordinal = IMAGE_ORDINAL_FLAG | 50; },
       [](Image& image) { image.uxthemeNames[1].u1.Ordinal = 0; },  // the end of the table
   };
   for (const auto& fault : faults) {
-    Module module;
-    fault(module.Content());
-    EXPECT_FALSE(DarkenScrollBars(module.Handle(), RecordOpening)) << "fault " << &fault - faults;
-    EXPECT_EQ(module.Content().uxthemeSlots[2], kUntouched);
+    Image& image = MakeModule();
+    fault(image);
+    EXPECT_FALSE(Darken(image)) << "fault " << &fault - faults;
+    EXPECT_EQ(image.uxthemeSlots[2], kUntouched);
   }
   EXPECT_FALSE(DarkenScrollBars(nullptr, RecordOpening));
 }

@@ -39,12 +39,7 @@ TEST_F(Dialogs, TabGoesRoundTheirControls) {
   for (const auto& [command, controls] : cases) {
     const OpenedDialog dialog(window_, command);
     std::set<int> visited;
-    const int first = dialog.Focus();
-    for (size_t i = 0; i < controls.size(); ++i) {
-      visited.insert(dialog.Focus());
-      dialog.PressTab();
-    }
-    EXPECT_EQ(dialog.Focus(), first);
+    for (const HWND control : TabRound(dialog.Window())) visited.insert(GetDlgCtrlID(control));
     EXPECT_EQ(visited, controls);
   }
 }
@@ -71,21 +66,18 @@ TEST_F(Dialogs, ReleasingTheSpeedSliderAtTheEndRaisesTheScale) {
 }
 
 TEST_F(Dialogs, OkSavesTheSpeedThatWasTyped) {
-  const struct {
-    const wchar_t* typed;
-    int slider;
-    uint32_t limit;
-  } cases[] = {{L"2500", 25, 2500}, {L"010", 0, 8}, {L"0x10", 1, 16},
-               {L"12 ab", 1, 12},   {L"", 0, 0},    {L"1234567890", 100, 123'456'789}};
-  for (const auto& test : cases) {
+  const std::tuple<const wchar_t*, int, uint32_t> cases[] = {{L"2500", 25, 2500}, {L"010", 0, 8},
+                                                             {L"0x10", 1, 16},    {L"12 ab", 1, 12},
+                                                             {L"", 0, 0},         {L"1234567890", 100, 123'456'789}};
+  for (const auto& [typed, slider, limit] : cases) {
     const OpenedDialog dialog(window_, COMMAND_SPEED_LIMIT);
-    SetDlgItemTextW(dialog.Window(), SPEED_EDIT, test.typed);
-    EXPECT_EQ(SliderOf(dialog), test.slider);
+    SetDlgItemTextW(dialog.Window(), SPEED_EDIT, typed);
+    EXPECT_EQ(SliderOf(dialog), slider);
     dialog.Click(IDOK);
-    EXPECT_EQ(app.maxDownloadSpeedKB, test.limit);
+    EXPECT_EQ(app.maxDownloadSpeedKB, limit);
     app.maxDownloadSpeedKB = 999;
     LoadSettings();
-    EXPECT_EQ(app.maxDownloadSpeedKB, test.limit) << "saved";
+    EXPECT_EQ(app.maxDownloadSpeedKB, limit) << "saved";
   }
 }
 
@@ -106,24 +98,18 @@ TEST_F(Dialogs, ResetOnlyEmptiesTheSpeedDialog) {
 }
 
 TEST_F(Dialogs, UpdateShowsProgress) {
-  const struct {
-    uint32_t announced;
-    DownloadProgress progress;
-    uint64_t totalAfter;
-    int percent;
-  } cases[] = {
+  const std::tuple<uint32_t, DownloadProgress, uint64_t, int> cases[] = {
       {3000, {.total = 5000}, 5000, 0},  // the larger size counts
       {5000, {.total = 3000}, 5000, 0},
       {5000, {.transferStartTick = 1, .total = 300, .downloaded = 299}, 300, 99},  // the manifest no longer counts
       {0, {.transferStartTick = 1, .total = 10, .downloaded = 4000}, 10, 100},
       {0, {.transferStartTick = 1, .downloaded = 4000}, 0, 0},
   };
-  for (const auto& test : cases) {
-    const HWND dialog = CreateUpdateDialog(test.announced);
-    DownloadProgress progress = test.progress;
+  for (auto [announced, progress, totalAfter, percent] : cases) {
+    const HWND dialog = CreateUpdateDialog(announced);
     OnUpdateDownloadProgress(&progress);
-    EXPECT_EQ(progress.total, test.totalAfter);
-    EXPECT_EQ(SendDlgItemMessageW(dialog, UPDATE_PROGRESS, PBM_GETPOS, 0, 0), test.percent);
+    EXPECT_EQ(progress.total, totalAfter);
+    EXPECT_EQ(SendDlgItemMessageW(dialog, UPDATE_PROGRESS, PBM_GETPOS, 0, 0), percent);
     DestroyWindow(dialog);
   }
 }

@@ -19,13 +19,6 @@ bool FinishesWhileTheWindowIsBusy(const TestWindow& window, const std::function<
   return finished;
 }
 
-// Whether a label comes to show a text without anybody's asking for it.
-bool ComesToShow(const Label& label, const std::wstring& text) {
-  const ULONGLONG end = GetTickCount64() + 10'000;
-  while (TextOf(label.Window()) != text && GetTickCount64() < end) Sleep(5);
-  return TextOf(label.Window()) == text;
-}
-
 // How often a control gets a message.
 struct MessageCount {
   UINT message;
@@ -69,18 +62,6 @@ TEST(Mailbox, ABusyWindowKeepsNobodyWaitingAndShowsItAllAtOnce) {
   EXPECT_EQ(texts.count, 1);
   EXPECT_EQ(positions.count, 1);
   EXPECT_EQ(insertions.count, 2);
-}
-
-TEST(Mailbox, WhatIsLeftComesToShow) {
-  const TestWindow window;
-  const HWND oldLabel = window.Installation().packageLabel.Window();
-  window.Run(ShowInstallPage);
-  pageNotes.LeaveText(oldLabel, L"for a page that is gone");
-  const Label& label = window.Installation().packageLabel;
-  label.SetText(L"one");
-  EXPECT_TRUE(ComesToShow(label, L"one"));
-  label.SetText(L"two");
-  EXPECT_TRUE(ComesToShow(label, L"two")) << "while the window rests";
 }
 
 TEST(Mailbox, TheWindowsOwnThreadOvertakesNothing) {

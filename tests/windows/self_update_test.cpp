@@ -27,9 +27,7 @@ decltype(&CopyFileW) realCopyFile;
 BOOL WINAPI CloseBeforeCopy(const wchar_t* source, const wchar_t* target, BOOL failIfExists) {
   EXPECT_TRUE(PathExists(app.exePath));
   PostMessageW(app.mainWindow, WM_CLOSE, 0, 0);
-  const ULONGLONG end = GetTickCount64() + 10'000;
-  while (app.currentPage != ClosingPage && GetTickCount64() < end) Sleep(5);
-  closingPageShown = app.currentPage == ClosingPage && IsWindow(app.mainWindow);
+  closingPageShown = WaitUntil([] { return app.currentPage == ClosingPage; }) && IsWindow(app.mainWindow);
   return realCopyFile(source, target, failIfExists);
 }
 

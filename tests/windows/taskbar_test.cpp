@@ -14,13 +14,7 @@ extern "C" decltype(&GetForegroundWindow) importedForegroundWindow __asm__("__im
 
 namespace {
 
-struct Shown {
-  TBPFLAG state;
-  ULONGLONG position;
-  bool operator==(const Shown&) const = default;
-};
-void PrintTo(const Shown& shown, std::ostream* out) { *out << shown.state << " at " << shown.position; }
-
+using Shown = std::pair<TBPFLAG, ULONGLONG>;  // state and position
 std::mutex shownLock;
 std::vector<Shown> shown;
 SharedWord<int> flashes;
@@ -62,7 +56,7 @@ class FakeTaskbar : public ITaskbarList3 {
  private:
   void Record(ULONGLONG position) const {
     const std::lock_guard guard(shownLock);
-    shown.push_back({state_, position});
+    shown.emplace_back(state_, position);
   }
   TBPFLAG state_ = TBPF_NOPROGRESS;
 };
@@ -79,11 +73,6 @@ BOOL WINAPI CountFlash(FLASHWINFO* flash) {
 }
 HWND WINAPI GiveForeground() { return foreground; }
 
-bool WaitFor(const std::function<bool()>& condition) {
-  for (int i = 0; i < 1000 && !condition(); ++i) Sleep(10);
-  return condition();
-}
-
 TEST(TaskbarButton, TellsOfARunAndCallsTheUserWhoIsElsewhere) {
   const TestWindow window(CreateProgramWindow);
   const ReplacedImport create(importedCoCreateInstance, GiveFakeTaskbar);
@@ -94,7 +83,7 @@ TEST(TaskbarButton, TellsOfARunAndCallsTheUserWhoIsElsewhere) {
       const std::lock_guard guard(shownLock);
       return shown;
     };
-    WaitFor([&] { return seen().size() >= expected.size(); });
+    WaitUntil([&] { return seen().size() >= expected.size(); });
     EXPECT_EQ(seen(), expected);
     const std::lock_guard guard(shownLock);
     shown.clear();
@@ -116,7 +105,7 @@ TEST(TaskbarButton, TellsOfARunAndCallsTheUserWhoIsElsewhere) {
       expect({{TBPF_PAUSED, 400}, {TBPF_NORMAL, 400}});
     }
     expect({{TBPF_NOPROGRESS, 0}});
-    EXPECT_TRUE(WaitFor([elsewhere] { return flashes == (elsewhere ? 2 : 0); }));
+    EXPECT_TRUE(WaitUntil([elsewhere] { return flashes == (elsewhere ? 2 : 0); }));
   }
 }
 

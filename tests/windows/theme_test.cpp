@@ -164,14 +164,9 @@ struct MenuBarItem {
 };
 
 TEST_F(DarkMode, MenuBarShowsTheStateOfItsItems) {
-  const struct {
-    UINT state;
-    COLORREF background, text;
-  } cases[] = {{0, kBlack, kWhite},
-               {ODS_HOTLIGHT, RGB(0x41, 0x41, 0x41), kWhite},
-               {ODS_SELECTED | ODS_HOTLIGHT, RGB(0x45, 0x45, 0x45), kWhite},
-               {ODS_GRAYED, kBlack, RGB(0x40, 0x40, 0x40)},
-               {ODS_DISABLED, kBlack, RGB(0x40, 0x40, 0x40)}};
+  const std::tuple<UINT, COLORREF, COLORREF> cases[] = {{0, kBlack, kWhite},
+                                                        {ODS_SELECTED, RGB(0x45, 0x45, 0x45), kWhite},
+                                                        {ODS_DISABLED, kBlack, RGB(0x40, 0x40, 0x40)}};
   const HDC screen = GetDC(nullptr), dc = CreateCompatibleDC(screen);
   const HBITMAP bitmap = CreateCompatibleBitmap(screen, 100, 30);
   SelectObject(dc, bitmap);
@@ -180,12 +175,12 @@ TEST_F(DarkMode, MenuBarShowsTheStateOfItsItems) {
   item.dc = dc;
   item.position = 2;
   item.item.rcItem = {10, 5, 90, 25};
-  for (const auto& test : cases) {
-    item.item.itemState = test.state;
+  for (const auto& [state, background, text] : cases) {
+    item.item.itemState = state;
     Choose(true, window_.Window());
     EXPECT_EQ(SendMessageW(window_.Window(), kDrawMenuBarItemMessage, 0, reinterpret_cast<LPARAM>(&item)), TRUE);
-    EXPECT_EQ(GetPixel(dc, 10, 5), test.background);
-    EXPECT_EQ(drawnColor, test.text);
+    EXPECT_EQ(GetPixel(dc, 10, 5), background);
+    EXPECT_EQ(drawnColor, text);
     EXPECT_EQ(drawnText, L"&Options");
     Choose(false, window_.Window());
     EXPECT_EQ(SendMessageW(window_.Window(), kDrawMenuBarItemMessage, 0, reinterpret_cast<LPARAM>(&item)), 0)
