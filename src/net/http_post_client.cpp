@@ -21,7 +21,7 @@ HttpPostClient::HttpPostClient(std::wstring userAgent, std::stop_token stop)
 void HttpPostClient::SetUrl(const std::wstring& url) { target_ = CrackUrl(url); }
 
 void HttpPostClient::PostForm(std::string body) {
-  if (PortOfScheme(target_.scheme) == 0 || !EnsureSession()) return;
+  if (givenUp_ || PortOfScheme(target_.scheme) == 0 || !EnsureSession()) return;
   HttpRequest request;
   request.verb = L"POST";
   request.target = target_;
@@ -30,8 +30,8 @@ void HttpPostClient::PostForm(std::string body) {
   request.body = std::move(body);
   request.headOnly = true;
   request.timeoutMs = kTimeoutMs;
-  HttpLine(session_, std::move(request), stop_, {.silenceMs = kPhases * kTimeoutMs, .afterStopMs = kAfterStopMs})
-      .Next();
+  HttpLine line(session_, std::move(request), stop_, {.silenceMs = kPhases * kTimeoutMs, .afterStopMs = kAfterStopMs});
+  givenUp_ = line.Next().stopped;
 }
 
 bool HttpPostClient::EnsureSession() {

@@ -9,7 +9,8 @@
 
 class HttpPostClient {
  public:
-  // All time-outs are 3 seconds. `stop` leaves a post that is under way, and each later one, 2 seconds at most.
+  // All time-outs are 3 seconds. `stop` leaves a post that is under way, and each later one, 2 seconds at most; once
+  // they didn't suffice, no more is posted.
   explicit HttpPostClient(std::wstring userAgent, std::stop_token stop = {});
 
   // The http or https address that forms go to. With any other address PostForm does nothing.
@@ -25,4 +26,5 @@ class HttpPostClient {
   std::stop_token stop_;
   ParsedUrl target_;
   HttpSession session_;
+  bool givenUp_ = false;
 };
