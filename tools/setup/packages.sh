@@ -3,8 +3,8 @@
 source "$(dirname "$0")/../common.sh"
 
 packages=(
-  # the cross compiler and the build
-  g++ g++-mingw-w64-i686-posix binutils-mingw-w64-i686 cmake ninja-build dpkg-dev ca-certificates
+  # the cross compiler, the build, and the history that a release tells
+  git g++ g++-mingw-w64-i686-posix binutils-mingw-w64-i686 cmake ninja-build dpkg-dev ca-certificates
   # what zendora-publish is made with, and what signs the program
   libcli11-dev nlohmann-json3-dev libcurl4-openssl-dev libssl-dev osslsigncode
   # the fuzzers' compiler
