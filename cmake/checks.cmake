@@ -1,7 +1,8 @@
 # What ./test checks beside the test programs, and the native tests of the other build. What takes long begins first.
 function(add_check name label)
   add_test(NAME ${label}.${name} COMMAND ${ARGN} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
-  set_tests_properties(${label}.${name} PROPERTIES LABELS ${label} TIMEOUT 900)
+  set_tests_properties(${label}.${name} PROPERTIES LABELS ${label} TIMEOUT 900
+    ENVIRONMENT "ZENDORA_BUILT=release native publish;ZENDORA_OUTPUT=${CMAKE_SOURCE_DIR}/build/test/${name}")
 endfunction()
 
 foreach(check format includes)
@@ -18,8 +19,6 @@ add_check(site publish
   tools/harness/private-network.sh tests/publish/check-site-test.sh build/publish/zendora-publish)
 add_check(windows publish tests/publish/windows-tool-test.sh)
 add_check(guide publish tests/publish/guide-test.sh)
-# It needs the demo site, which that one makes.
-set_tests_properties(publish.windows PROPERTIES DEPENDS demo.installation)
 
 # These keep the processors busy: one at a time, beside tests that mostly wait.
 set_tests_properties(lint.tidy lint.cppcheck shipping.release publish.guide PROPERTIES
@@ -29,9 +28,16 @@ set_tests_properties(shipping.release PROPERTIES COST 500 TIMEOUT 1800)
 set_tests_properties(faults.matrix PROPERTIES PROCESSORS 2 COST 400)
 set_tests_properties(demo.installation PROPERTIES COST 300)
 
-# The native tests belong to a build of their own; where that is missing, there are none.
-file(WRITE ${CMAKE_BINARY_DIR}/native_tests.cmake
+# The native tests belong to a build of their own, and zendora-publish to another; a test that fails stands for one that is
+# missing.
+file(WRITE ${CMAKE_BINARY_DIR}/other_builds.cmake
+  "foreach(preset native publish)\n"
+  "  if(NOT EXISTS \"${CMAKE_SOURCE_DIR}/build/\${preset}/build.ninja\")\n"
+  "    add_test(\${preset}.NOT_BUILT sh -c \"echo the preset \${preset} is not built; exit 1\")\n"
+  "    set_tests_properties(\${preset}.NOT_BUILT PROPERTIES LABELS \${preset})\n"
+  "  endif()\n"
+  "endforeach()\n"
   "include(\"${CMAKE_SOURCE_DIR}/build/native/CTestTestfile.cmake\" OPTIONAL)\n"
   "include(\"${CMAKE_SOURCE_DIR}/build/native/publish/CTestTestfile.cmake\" OPTIONAL)\n"
   "include(\"${CMAKE_SOURCE_DIR}/build/native/tests/fuzz/CTestTestfile.cmake\" OPTIONAL)\n")
-set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/native_tests.cmake)
+set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_BINARY_DIR}/other_builds.cmake)

@@ -6,8 +6,10 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$root/build
 # The libraries are made here, once per target: "windows" (cross-built) and "native".
 deps=$build/deps
-# The Wine prefix that everything here runs in.
+# The Wine prefix whose copies everything here runs in.
 wine_prefix=$build/wine
+# What a demo makes, shows and writes down. Each has a folder of its own, so that nobody clears another's away.
+output=${ZENDORA_OUTPUT:-$build/run}
 
 say() { printf '== %s\n' "$*" >&2; }
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Lets the Windows build of zendora-publish do the same as the native one, and compares what both print. Needs the demo
-# site and the program.
+# Lets the Windows build of zendora-publish do the same as the native one, and compares what both print. Needs the
+# program.
 source "$(dirname "$0")/../../tools/common.sh"
 
 native=$build/publish/zendora-publish windows=$build/release/zendora-publish.exe
@@ -8,10 +8,10 @@ if [ -z "${WINEPREFIX:-}" ]; then
   exec "$root/tools/harness/private-network.sh" "$root/tools/harness/with-wine.sh" "$0"
 fi
 
-[ -e "$build/demo/site" ] || "$root/tools/demo/demo-site" make
 folder=$(mktemp -d -p "$build" windows-tool.XXXXXX)
 trap 'rm -rf "$folder"' EXIT
-cp -r "$build/demo/site/." "$folder"
+ZENDORA_OUTPUT=$folder "$root/tools/demo/demo-site" make
+mv "$folder"/demo/site/* "$folder"
 cp "$build/release/ZendoraInstaller.exe" "$folder/program.exe"
 cd "$folder"
 mv packages/turkce.zip packages/türkçe.zip

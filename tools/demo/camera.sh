@@ -1,10 +1,9 @@
 # Starts, operates and photographs the installer. Source it, don't run it. Inside the private network, with the demo site
-# and a virtual display, only; pictures go to build/run.
+# and a virtual display, only; pictures go to the folder $output.
 # shellcheck shell=bash
 source "$(dirname "${BASH_SOURCE[0]}")/../common.sh"
 
 program=$build/release/ZendoraInstaller.exe
-output=$build/run
 settings='HKCU\Software\Zendora Installer'
 declare -A languages=([german]=7 [english]=9 [spanish]=10 [polish]=21 [portuguese]=22 [russian]=25 [turkish]=31)
 

@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # Runs a command with the demo site (made by tools/demo/demo-site), or the one in ZENDORA_SITE_FOLDER, answering on ports
-# 80 and 443. Inside the private network
-# only. What was asked of it is in build/run/access.log, and each report that it got in build/run/reports.log.
+# 80 and 443. Inside the private network only. What was asked of it is in build/run/access.log, or in the folder that
+# ZENDORA_OUTPUT names, and each report that it got in reports.log beside it.
 #   tools/demo/demo-server.sh COMMAND [ARGUMENT...]
 source "$(dirname "$0")/../common.sh"
 source "$(dirname "$0")/../harness/nginx.sh"
 
-site=${ZENDORA_SITE_FOLDER:-$build/demo/site}
-mkdir -p "$build/run"
-rm -f "$build/run/access.log" "$build/run/reports.log"
+site=${ZENDORA_SITE_FOLDER:-$output/demo/site}
+mkdir -p "$output"
+rm -f "$output/access.log" "$output/reports.log"
 folder=$(mktemp -d -p "$build" demo-server.XXXXXX)
 trap 'stop_nginx; rm -rf "$folder"' EXIT
 # nginx reads the body of a report only to hand it on, so it hands it to itself.
@@ -20,7 +20,7 @@ write_nginx_config "$folder" <<SERVERS
     listen 443 ssl;
     include $folder/tls.conf;
     root $site;
-    access_log $build/run/access.log transfers;
+    access_log $output/access.log transfers;
     client_body_buffer_size 1m;
     location = /slow {
       alias $site/packages/zendora-guide.txt;
@@ -31,8 +31,8 @@ write_nginx_config "$folder" <<SERVERS
       alias $site/manifest.xml;
     }
     location = /play/files/telemetry.php {
-      access_log $build/run/access.log transfers;
-      access_log $build/run/reports.log reports;
+      access_log $output/access.log transfers;
+      access_log $output/reports.log reports;
       proxy_pass http://127.0.0.1:8000;
     }
   }

@@ -30,7 +30,7 @@ print_registry() {
 install_everything() {
   # Slow enough to be seen.
   set_number "$settings" MaxDownloadSpeed 1000
-  start_installer "install:$(cat "$build/demo/packages.txt")" source:main
+  start_installer "install:$(cat "$output/demo/packages.txt")" source:main
   drive yes 'Do you want to reinstall these components using existing folders?' || give_up "no question about the old game"
   drive show 'Speed: ' || give_up "no transfer was seen"
   picture installation
@@ -50,7 +50,7 @@ show_closing_page() {
 
 # Asks for everything that the manifest names. One source has lost a file, and only that may be found.
 check_site() {
-  "$build/publish/zendora-publish" check-site https://zendora.example "$build/demo/site/manifest.xml" \
+  "$build/publish/zendora-publish" check-site https://zendora.example "$output/demo/site/manifest.xml" \
     --cacert "$ZENDORA_CERTIFICATE" >"$output/check-site.txt" || true
   sed 's/^/  /' "$output/check-site.txt"
   grep -q 'moved/gtasa answers 404' "$output/check-site.txt" && grep -q ': 1 error, 0 warnings$' "$output/check-site.txt"

@@ -4,14 +4,14 @@
 source "$(dirname "$0")/camera.sh"
 
 scales=(100 150 200)
-manifest=$build/demo/site/manifest.xml
-cp "$manifest" "$build/demo/manifest.kept"
+manifest=$output/demo/site/manifest.xml
+cp "$manifest" "$output/demo/manifest.kept"
 
 forget_downloads() { rm -rf "$WINEPREFIX"/drive_c/users/*/AppData/Roaming/Zendora; }
 
 picture_run() {
   local name=$1
-  start_installer "install:$(cat "$build/demo/packages.txt")" source:main
+  start_installer "install:$(cat "$output/demo/packages.txt")" source:main
   drive dialog || give_up "no question about the old game"
   picture "$name-question"
   drive dismiss
@@ -36,7 +36,7 @@ picture_error() {
 picture_update() {
   local name=$1 md5=00000000000000000000000000000000 help=https://zendora.example/play/
   sed "s|</downloader>|<updater md5='$md5' filesize='40000' helpURL='$help'><source url='${help%play/}slow'/></updater>&|" \
-    "$build/demo/manifest.kept" >"$manifest"
+    "$output/demo/manifest.kept" >"$manifest"
   start_installer
   drive dialog || give_up "no update was seen"
   sleep 1  # some bytes come
@@ -45,7 +45,7 @@ picture_update() {
   picture "$name-update-failed"
   drive dismiss
   wait "$installer" || give_up "the installer ended with status $?"
-  cp "$build/demo/manifest.kept" "$manifest"
+  cp "$output/demo/manifest.kept" "$manifest"
   forget_downloads
 }
 
