@@ -1,5 +1,5 @@
-# Every source of ours is read by clang-tidy before it is compiled, and read anew when it, or what it includes, or the
-# list of checks has changed: the build remembers the rest.
+# Every source of ours that is built for Windows is read by clang-tidy before it is compiled, and read anew when it, or
+# what it includes, or the list of checks has changed: the build remembers the rest.
 execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=include/c++
   OUTPUT_VARIABLE library_headers OUTPUT_STRIP_TRAILING_WHITESPACE)
 

@@ -11,9 +11,9 @@
 namespace {
 
 constexpr uint16_t kMachineX86 = 0x14C, kMagicPe32 = 0x10B;
-constexpr size_t kDirectoriesAt = 96, kResourceDirectory = 2, kSecurityDirectory = 4;
+constexpr uint64_t kDirectoriesAt = 96, kResourceDirectory = 2, kSecurityDirectory = 4;
 constexpr uint32_t kVersionResource = 16;
-constexpr size_t kLargestSectionCount = 96;  // the loader's own limit
+constexpr uint64_t kLargestSectionCount = 96;  // the loader's own limit
 
 // Little-endian numbers of a file; what lies behind its end reads as 0.
 class Bytes {
@@ -39,12 +39,12 @@ class Bytes {
 struct Headers {
   uint64_t optional = 0;  // where the optional header begins
   uint64_t sections = 0;
-  size_t sectionCount = 0;
+  uint64_t sectionCount = 0;
 };
 
 // Where the file keeps what the loader puts at an address.
 std::optional<uint64_t> OffsetOf(const Bytes& file, const Headers& headers, uint32_t address) {
-  for (size_t i = 0; i < headers.sectionCount; ++i) {
+  for (uint64_t i = 0; i < headers.sectionCount; ++i) {
     const uint64_t section = headers.sections + 40 * i;
     const uint32_t start = file.Long(section + 12), size = file.Long(section + 16), raw = file.Long(section + 20);
     if (address >= start && address - start < size) return uint64_t{raw} + (address - start);
@@ -54,8 +54,8 @@ std::optional<uint64_t> OffsetOf(const Bytes& file, const Headers& headers, uint
 
 // The entry of a resource folder with this number, or the first one; as the offset that it points to below `base`.
 std::optional<uint32_t> ResourceEntry(const Bytes& file, uint64_t folder, std::optional<uint32_t> number) {
-  const size_t count = size_t{file.Word(folder + 12)} + file.Word(folder + 14);
-  for (size_t i = 0; i < count; ++i) {
+  const uint64_t count = uint64_t{file.Word(folder + 12)} + file.Word(folder + 14);
+  for (uint64_t i = 0; i < count; ++i) {
     const uint64_t entry = folder + 16 + 8 * i;
     if (!number || file.Long(entry) == *number) return file.Long(entry + 4) & 0x7FFFFFFF;
   }
@@ -102,7 +102,7 @@ ProgramFile ReadProgramBytes(std::string_view bytes) {
   Headers headers;
   headers.optional = header + 24;
   headers.sections = headers.optional + file.Word(header + 20);
-  headers.sectionCount = std::min<size_t>(file.Word(header + 6), kLargestSectionCount);
+  headers.sectionCount = std::min<uint64_t>(file.Word(header + 6), kLargestSectionCount);
   program.is32Bit = file.Word(header + 4) == kMachineX86 && file.Word(headers.optional) == kMagicPe32;
   if (!program.is32Bit) return program;
   program.isSigned = file.Long(headers.optional + kDirectoriesAt + 8 * kSecurityDirectory + 4) != 0;

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Reads the sources for faults without running them. What a check has found clean it doesn't read again until it changes.
+# Reads the sources for faults without running them. What cppcheck and clang-tidy have found clean they don't read again
+# until it changes.
 #   tools/checks/lint.sh [CHECK...]    each of format, includes, cppcheck, tidy, shell, python, cmake; by default all
 # shellcheck disable=SC2317 # the checks are called by their names
 source "$(dirname "$0")/../common.sh"
@@ -21,20 +22,19 @@ check_includes() {
   tools/checks/check-includes
 }
 
-# Suppressions stand in the code, with their reasons. These are about all of it: system headers are not read, and
-# functions that only a test or the system calls look unused.
+# Suppressions stand in the code, with their reasons.
 check_cppcheck() {
   mkdir -p "$build/cppcheck"
   cppcheck --quiet --error-exitcode=1 -j "$(nproc)" --cppcheck-build-dir="$build/cppcheck" \
     --std=c++20 --language=c++ --platform=win32W --library=windows,googletest \
-    --enable=warning,performance,portability --inline-suppr --suppress=missingIncludeSystem \
-    --suppress=unmatchedSuppression -I src -I res -I publish -I tests -I build/release/maker "${translation_units[@]}"
+    --enable=warning,performance,portability --inline-suppr \
+    -I src -I res -I publish -I tests -I build/release/maker "${translation_units[@]}"
 }
 
-# Compiles the program once more, with clang-tidy, every warning, and without precompiled headers. The faults of the tests
-# show when they run.
+# Compiles both programs that ship once more, with clang-tidy, every warning, and without precompiled headers. The faults
+# of the tests show when they run.
 check_tidy() {
-  tools/build.sh lint ZendoraInstaller
+  tools/build.sh lint ZendoraInstaller zendora-publish
 }
 
 check_shell() {
