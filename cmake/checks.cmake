@@ -1,8 +1,9 @@
 # What ./test checks beside the test programs, and the native tests of the other build. What takes long begins first.
+set(check_environment "ZENDORA_BUILT=release native publish" PYTHONDONTWRITEBYTECODE=1)
 function(add_check name label)
   add_test(NAME ${label}.${name} COMMAND ${ARGN} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
   set_tests_properties(${label}.${name} PROPERTIES LABELS ${label} TIMEOUT 900
-    ENVIRONMENT "ZENDORA_BUILT=release native publish;ZENDORA_OUTPUT=${CMAKE_SOURCE_DIR}/build/test/${name}")
+    ENVIRONMENT "${check_environment};ZENDORA_OUTPUT=${CMAKE_SOURCE_DIR}/build/test/${name}")
 endfunction()
 
 foreach(check format includes)
@@ -28,8 +29,8 @@ set_tests_properties(shipping.release PROPERTIES COST 500 TIMEOUT 1800)
 set_tests_properties(faults.matrix PROPERTIES PROCESSORS 2 COST 400)
 set_tests_properties(demo.installation PROPERTIES COST 300)
 
-# The native tests belong to a build of their own, and zendora-publish to another; a test that fails stands for one that is
-# missing.
+# The native tests belong to a build of their own, and zendora-publish to another; a test that fails stands for one that
+# is missing.
 file(WRITE ${CMAKE_BINARY_DIR}/other_builds.cmake
   "foreach(preset native publish)\n"
   "  if(NOT EXISTS \"${CMAKE_SOURCE_DIR}/build/\${preset}/build.ninja\")\n"

@@ -6,7 +6,7 @@ source "$root/tools/harness/nginx.sh"
 
 [ ! -e "$1" ] || set -- "$(realpath "$1")"
 tool=("$@")
-folder=$(mktemp -d -p "$build" check-site.XXXXXX)
+folder=$(make_work_folder)
 trap 'stop_nginx; rm -rf "$folder"' EXIT
 cd "$folder"
 

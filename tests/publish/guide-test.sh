@@ -3,8 +3,7 @@
 source "$(dirname "$0")/../../tools/common.sh"
 
 export ZENDORA=$root
-folder=$(mktemp -d -p "$build" guide.XXXXXX)
-trap 'rm -rf "$folder"' EXIT
+folder=$(make_work_folder)
 # shellcheck disable=SC2016 # these are no commands but the guide's marks around them
 sed -n '/^```sh$/,/^```$/{/^```/d;p;}' "$root/docs/publishing.md" >"$folder.commands"
 trap 'rm -rf "$folder" "$folder.commands"' EXIT

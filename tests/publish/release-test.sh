@@ -2,7 +2,7 @@
 # Makes a release for another site, signed with a certificate that is thrown away, and looks at what came out.
 source "$(dirname "$0")/../../tools/common.sh"
 
-folder=$(mktemp -d -p "$build" release-test.XXXXXX)
+folder=$(make_work_folder)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder"
 openssl req -x509 -newkey rsa:2048 -nodes -days 30 -subj '/CN=Thrown away' -addext extendedKeyUsage=codeSigning \

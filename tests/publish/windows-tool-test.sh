@@ -4,11 +4,12 @@
 source "$(dirname "$0")/../../tools/common.sh"
 
 native=$build/publish/zendora-publish windows=$build/release/zendora-publish.exe
+export LC_ALL=C.UTF-8
 if [ -z "${WINEPREFIX:-}" ]; then
   exec "$root/tools/harness/private-network.sh" "$root/tools/harness/with-wine.sh" "$0"
 fi
 
-folder=$(mktemp -d -p "$build" windows-tool.XXXXXX)
+folder=$(make_work_folder)
 trap 'rm -rf "$folder"' EXIT
 ZENDORA_OUTPUT=$folder "$root/tools/demo/demo-site" make
 mv "$folder"/demo/site/* "$folder"

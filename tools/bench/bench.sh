@@ -16,7 +16,7 @@ fi
 
 rounds=${ROUNDS:-5}
 program=$build/release/ZendoraInstaller.exe
-folder=$(mktemp -d -p "$build" bench.XXXXXX)
+folder=$(make_work_folder)
 site=$folder/site games=$folder/games downloads=$folder/downloads
 mkdir -p "$site/packages" "$games" "$downloads" "$folder/figures"
 trap 'stop_nginx; rm -rf "$folder"' EXIT

@@ -9,7 +9,7 @@ source "$(dirname "$0")/../harness/nginx.sh"
 site=${ZENDORA_SITE_FOLDER:-$output/demo/site}
 mkdir -p "$output"
 rm -f "$output/access.log" "$output/reports.log"
-folder=$(mktemp -d -p "$build" demo-server.XXXXXX)
+folder=$(make_work_folder)
 trap 'stop_nginx; rm -rf "$folder"' EXIT
 # nginx reads the body of a report only to hand it on, so it hands it to itself.
 write_nginx_config "$folder" <<SERVERS

@@ -13,13 +13,13 @@ if [ "${ZENDORA_PRIVATE_NETWORK:-}" != inside ]; then
 fi
 
 ip link set lo up
-hosts=$(mktemp -p "$build" hosts.XXXXXX)
-chmod 644 "$hosts"
+folder=$(make_work_folder)
+hosts=$folder/hosts
 # A build for another site has its host here, too.
-site_hosts=$(sed -n 's|^ZENDORA_SITE_BASE:STRING=https\?://||p' "$build"/*/CMakeCache.txt 2>/dev/null | sort -u | tr '\n' ' ')
+site_hosts=$(cat "$build"/*/CMakeCache.txt 2>/dev/null | sed -n 's|^ZENDORA_SITE_BASE:STRING=https\?://||p' | sort -u | tr '\n' ' ') || true
 printf '127.0.0.1 localhost mirror.zendora.example %s %s\n' zendora.example "$site_hosts" >"$hosts"
 mount --bind "$hosts" /etc/hosts
-rm -f "$hosts"
+rm -rf "$folder"
 # Displays write their keymaps here, by number, and each network has its own number 0.
 [ ! -d /var/lib/xkb ] || mount -t tmpfs none /var/lib/xkb
 exec "$@"

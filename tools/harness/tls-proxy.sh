@@ -5,7 +5,7 @@
 source "$(dirname "$0")/../common.sh"
 source "$(dirname "$0")/nginx.sh"
 
-folder=$(mktemp -d -p "$build" tls-proxy.XXXXXX)
+folder=$(make_work_folder)
 trap 'stop_nginx; rm -rf "$folder"' EXIT
 write_nginx_config "$folder" <<SERVERS
   server {

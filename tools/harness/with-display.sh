@@ -4,6 +4,8 @@
 #   tools/harness/with-display.sh COMMAND [ARGUMENT...]
 source "$(dirname "$0")/../common.sh"
 
+# Windows takes its language and the encoding of file names from it: the same wherever tests run.
+export LC_ALL=C.UTF-8
 exec 3< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp -nolisten unix -dpi 96 2>/dev/null)
 display_server=$!
 trap 'kill "$display_server" 2>/dev/null || true' EXIT

@@ -4,8 +4,7 @@
 # ZENDORA_PREFIX names the folder for the copy, which then stays; an old one is replaced.
 source "$(dirname "$0")/../common.sh"
 
-mkdir -p "$build/prefixes"
-prefix=${ZENDORA_PREFIX:-$(mktemp -d -p "$build/prefixes")}
+prefix=${ZENDORA_PREFIX:-$(make_work_folder)}
 clean_up() {
   wineserver -k || true
   [ -n "${ZENDORA_PREFIX:-}" ] || rm -rf "$prefix"
