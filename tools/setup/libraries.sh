@@ -17,11 +17,7 @@ done
 say "fetching library sources"
 mkdir -p "$deps/apt/lists/partial" "$deps/apt/archives/partial"
 log=$build/setup-libraries.log
-codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
-# shellcheck disable=SC2016 # apt expands these names itself
-repository=$(apt-get indextargets --format '$(RELEASE) $(REPO_URI)' 'Created-By: Packages' |
-  awk -v suite="$codename" '$1 == suite { print $2; exit }')
-[ -n "$repository" ] || die "no package source for Debian \"$codename\" is configured on this machine"
+repository=$(find_repository)
 echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] $repository $release main" >"$deps/apt/sources.list"
 
 # Lists and archives of its own, so that the machine's package state stays as it is and no root is needed.
@@ -35,7 +31,7 @@ source_apt() {
 source_apt update || die "the list of library sources could not be fetched (is the network there?); see $log"
 for library in "${missing[@]}"; do
   name=${library%%=*} version=${library#*=}
-  work=$(mktemp -d -p "$deps")
+  work=$(make_work_folder)
   # The authors' own archive alone: it stays the same while Debian's changes to it come and go, so that the same commit
   # gives the same bytes, and a mirror that has not yet got the newest of them stops nobody.
   (cd "$work" && source_apt source --download-only --tar-only "$name") ||

@@ -7,8 +7,8 @@ packages=(
   git g++ g++-mingw-w64-i686-posix binutils-mingw-w64-i686 cmake ninja-build dpkg-dev ca-certificates
   # what zendora-publish is made with, and what signs the program
   libcli11-dev nlohmann-json3-dev libcurl4-openssl-dev libssl-dev osslsigncode
-  # the fuzzers' compiler
-  clang libclang-rt-14-dev
+  # the fuzzers' compiler, and what names the lines of their stacks
+  clang libclang-rt-14-dev llvm
   # the linters
   clang-format clang-tidy cppcheck shellcheck pylint cmake-format cloc
   # Wine, with both word sizes and TLS for each
@@ -26,7 +26,7 @@ all_installed() {
 }
 
 apt() {
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o Dpkg::Use-Pty=0 \
+  as_root env DEBIAN_FRONTEND=noninteractive LC_ALL=C apt-get -q -y -o Dpkg::Use-Pty=0 \
     -o Dpkg::Options::=--force-confold -o Acquire::Retries=3 "$@"
 }
 
@@ -35,13 +35,13 @@ install_plainly() {
   apt update >"$log" 2>&1 && apt install --no-install-recommends "${packages[@]}" >>"$log" 2>&1
 }
 
-# Stepping packages back harms nobody in a container, or on a machine that works for nobody but root and without a
-# terminal. Whoever sits at a machine of his own is asked.
+# Stepping packages back harms nobody in a container, on a machine of a build service, or on one that works for nobody
+# but root and without a terminal. Whoever sits at a machine of his own is asked.
 may_step_back() {
-  if [ "${1:-}" = --yes ] || [ -e /run/.containerenv ] || [ -e /.dockerenv ]; then return 0; fi
+  if [ "${1:-}" = --yes ] || [ -n "${CI:-}" ] || [ -e /run/.containerenv ] || [ -e /.dockerenv ]; then return 0; fi
   if [ -t 0 ] && [ -t 2 ]; then
     local answer
-    read -rp "Step packages of this machine back to the base suite of Debian, where that is needed? [y/N] " answer
+    read -rp "May they step back to the base suite of Debian? [y/N] " answer
     [ "$answer" = y ]
     return
   fi
@@ -52,21 +52,29 @@ may_step_back() {
 # different candidate versions, which apt refuses to install beside each other. The base suite never moves, so
 # with it alone both agree; what is newer on the machine steps back where it must.
 install_from_base_suite() {
-  local codename repository list
-  codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
-  # shellcheck disable=SC2016 # apt expands these names itself
-  repository=$(apt-get indextargets --format '$(RELEASE) $(REPO_URI)' 'Created-By: Packages' |
-    awk -v suite="$codename" '$1 == suite { print $2; exit }')
-  [ -n "$repository" ] || die "no package source for Debian \"$codename\" is configured on this machine"
-  list=$(mktemp --suffix=.list)
-  chmod 644 "$list"
-  echo "deb $repository $codename main" >"$list"
-  local private=(-o "Dir::Etc::sourcelist=$list" -o "Dir::Etc::sourceparts=-")
-  apt "${private[@]}" update >>"$log" 2>&1 &&
-    apt "${private[@]}" install --no-install-recommends --allow-downgrades "${packages[@]}" >>"$log" 2>&1
-  local status=$?
-  rm -f "$list"
-  return $status
+  local repository folder stepping_back
+  repository=$(find_repository)
+  folder=$(make_work_folder)
+  echo "deb $repository $(. /etc/os-release && echo "$VERSION_CODENAME") main" >"$folder/base.list"
+  # The lists of the machine's other sources stay.
+  local private=(-o "Dir::Etc::sourcelist=$folder/base.list" -o "Dir::Etc::sourceparts=-" -o APT::Get::List-Cleanup=0)
+  local install=(install --no-install-recommends --allow-downgrades "${packages[@]}")
+  apt "${private[@]}" update >>"$log" 2>&1 || give_up "the list of packages could not be fetched (is the network there?)"
+  apt "${private[@]}" -s "${install[@]}" >"$folder/plan" 2>>"$log" || give_up "apt finds no way to install the packages"
+  stepping_back=$(sed -n '/will be DOWNGRADED/,/^[^ ]/s/^  *//p' "$folder/plan" | tr '\n' ' ')
+  if [ -n "$stepping_back" ]; then
+    say "older versions are needed of: $stepping_back"
+    may_step_back "$@" ||
+      die "apt can't install the packages beside these (see $log). \"tools/setup.sh --yes\" lets them step back; the" \
+        "Containerfile puts everything on a machine of its own"
+  fi
+  apt "${private[@]}" "${install[@]}" >>"$log" 2>&1 || give_up "the packages could not be installed"
+  rm -rf "$folder"
+}
+
+give_up() {
+  tail -n 20 "$log" >&2
+  die "$1; the whole log is in $log"
 }
 
 all_installed "${packages[@]}" && exit 0
@@ -80,14 +88,8 @@ mkdir -p "$build"
 log=$build/setup-packages.log
 as_root true
 dpkg --print-foreign-architectures | grep -qx i386 || as_root dpkg --add-architecture i386
-if ! install_plainly; then
-  may_step_back "$@" ||
-    die "apt can't install the packages as they are (see $log). \"tools/setup.sh --yes\" lets it step newer ones back;" \
-      "the Containerfile puts them on a machine of its own"
-  say "the package sources are out of step; installing from the base suite"
-  install_from_base_suite || {
-    tail -n 20 "$log" >&2
-    die "the packages could not be installed (is the network there?); the whole log is in $log"
-  }
-fi
+install_plainly || {
+  say "apt can't install them from the package sources as they are; trying the base suite alone"
+  install_from_base_suite "$@"
+}
 all_installed "${packages[@]}" || die "apt reported success, but packages are still missing; the log is in $log"
