@@ -20,8 +20,7 @@ start_installer() {
 
 give_up() {
   say "$1; the log so far:"
-  drive log || true
-  drive boxes || true
+  { drive log; drive boxes; } | tr -d '\r' || true
   kill "$installer" 2>/dev/null || true
   exit 1
 }
