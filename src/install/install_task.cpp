@@ -150,6 +150,7 @@ uint32_t RunInstallTask(RunState& run, const Package& package, const std::wstrin
     OfferManualStart(command.program);
     return error;
   }
+  command.held.Reset();  // the program may be one that replaces or removes its own file
   WaitForEnd(process.Get());
   return ERROR_SUCCESS;
 }

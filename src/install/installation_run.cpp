@@ -172,9 +172,8 @@ bool DownloadAt(RunState& run, size_t index) {
       case DownloadOutcome::Done:
         return true;
       case DownloadOutcome::Redo:
-        AddUpPackages(run);
-        break;
       case DownloadOutcome::FailedRetry:
+        AddUpPackages(run);
         break;
       case DownloadOutcome::FailedStop:
       case DownloadOutcome::Cancelled:

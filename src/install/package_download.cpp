@@ -64,13 +64,12 @@ void RefreshManifest() {
 // Whether the manifest is older than what the sources offer and knows the package in another version now.
 bool RefreshBringsAnother(PackageDownload& download) {
   if (download.run.manifestRefreshed) return false;
+  download.run.manifestRefreshed = true;
   RefreshManifest();
   const auto manifest = CurrentManifest();
   const auto found = manifest->packages.find(download.package.filename);
   if (found == manifest->packages.end()) return false;
-  const Package& now = found->second;
-  download.run.manifestRefreshed = now.size != download.package.size || now.md5 != download.package.md5;
-  return download.run.manifestRefreshed;
+  return found->second.size != download.package.size || found->second.md5 != download.package.md5;
 }
 
 // Ends a source whose file isn't what the manifest says. `hash` is empty when none was computed.
@@ -306,5 +305,7 @@ DownloadOutcome DownloadPackage(RunState& run, const Package& package, size_t in
       if (download.refused && RefreshBringsAnother(download)) return DownloadOutcome::Redo;
       break;
   }
+  // Whoever cancels while a file is waited for, or a manifest, isn't asked about it.
+  if (app.cancelRequested) return DownloadOutcome::Cancelled;
   return AskAfterFailure(package, outcome.error);
 }

@@ -78,6 +78,7 @@ PlacementResult PlacePackage(RunState& run, const Package& package, const std::w
 
   if (!package.install.empty()) {
     const uint32_t error = RunInstallTask(run, package, target);
+    if (error == ERROR_CANCELLED && app.cancelRequested) return {};
     if (error == ERROR_SUCCESS) {
       result = {.ok = true};
     } else {

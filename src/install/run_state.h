@@ -42,7 +42,7 @@ struct RunState {
   uint64_t upsizeDone = 0;   // sum over the packages that the install phase is done with
 
   // A source that knows no ranges and always breaks off early must not be downloaded sixty times.
-  RetryRules retryRules{.most = kPatience.retries, .mostRepeats = 2};
+  RetryRules retryRules{.most = kPatience.retries, .mostRepeats = 3};
   HttpClient downloads{app.userAgent, app.cancelRequested.Token()};
   HttpPostClient reports{app.userAgent, app.cancelRequested.Token()};
 };

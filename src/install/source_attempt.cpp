@@ -73,7 +73,7 @@ void WriteStatRecord(const PackageDownload& download) {
 }
 
 HttpResult TransferFromSource(PackageDownload& download, const std::wstring& url) {
-  Retries retries(download.run.retryRules, FileSize(download.file));
+  Retries retries(download.run.retryRules, download.offset);
   HttpResult result = Attempt(download, url);
   if (result.cancelled || app.cancelRequested) return result;
   if (result.error == ERROR_INTERNET_SECURITY_CHANNEL_ERROR && url.starts_with(L"https")) {

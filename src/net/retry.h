@@ -12,12 +12,12 @@ struct RetryRules {
 
   uint32_t most = kForEver;              // retries in a row that lead no further
   uint32_t pauseMs = kPatience.pauseMs;  // before each
-  uint32_t mostRepeats = kForEver;       // of them, such as bring data: the same once more
+  uint32_t mostRepeats = kForEver;       // answers in a row that begin anew and lead no further: the last is enough
 };
 
 class Retries {
  public:
-  // `reached` is how many bytes are there before the first attempt.
+  // `reached` is where the first attempt begins.
   explicit Retries(const RetryRules& rules, uint64_t reached = 0) : rules_(rules), farthest_(reached) {}
 
   // To be asked after every attempt. `reached` is how many bytes of the file or document are there now. True when a
@@ -29,7 +29,6 @@ class Retries {
 
  private:
   RetryRules rules_;
-  bool first_ = true;
   uint32_t fruitless_ = 0;
   uint32_t repeats_ = 0;
   uint64_t farthest_;

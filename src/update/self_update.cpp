@@ -55,7 +55,7 @@ HttpResult Download(Update& update, const std::wstring& url) {
 }
 
 HttpResult DownloadThroughOutage(Update& update, const std::wstring& url) {
-  Retries retries({.most = kPatience.retries, .mostRepeats = 0});
+  Retries retries({.most = kPatience.retries, .mostRepeats = 1});
   HttpResult result = Download(update, url);
   bool again = true;
   while (again && retries.AnotherAfter(result, result.received)) {

@@ -140,6 +140,26 @@ TEST_F(Http, TheSocketsOwnCodesCountAsTheClients) {
   }
 }
 
+TEST_F(Http, ASilenceIsATimeOut) {
+  for (const bool inBody : {false, true}) {
+    server_.AnswerNext("/a", inBody ? ScriptedAnswer{.body = content_, .stallAfter = 5000}
+                                    : ScriptedAnswer{.stallBeforeAnswer = true});
+    HttpRequest request;
+    request.target = CrackUrl(kUrl);
+    // Long enough for what comes before, also on a busy machine.
+    HttpLine line(OpenSession(app.userAgent), std::move(request), {}, {.silenceMs = inBody ? 4000u : 300u});
+    std::vector<int> kinds;
+    HttpEvent event;
+    do {
+      event = line.Next();
+      kinds.push_back(event.kind);
+    } while (event.kind != HttpEvent::End);
+    EXPECT_EQ(event.error, DWORD{ERROR_INTERNET_TIMEOUT});
+    EXPECT_EQ(kinds, inBody ? (std::vector<int>{HttpEvent::Head, HttpEvent::Bytes, HttpEvent::End})
+                            : std::vector<int>{HttpEvent::End});
+  }
+}
+
 // Not even its head has come.
 TEST_F(Http, AStopEndsTheWaitForAnAnswer) {
   server_.AnswerNext("/a", {.stallBeforeAnswer = true});
