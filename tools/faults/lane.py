@@ -32,7 +32,9 @@ def serve(build, program, patience):
     folder = machine.path(points.PROGRAM_FOLDER)
     folder.mkdir()
     kinds = {kind.name: kind for kind in KINDS}
-    with tempfile.TemporaryDirectory(dir=build) as folder_of_lane:
+    work = build.parent / "work"  # ./test removes what a killed lane leaves there
+    work.mkdir(exist_ok=True)
+    with tempfile.TemporaryDirectory(prefix="lane.", dir=work) as folder_of_lane:
         player = Player(build / "attend_installer.exe", Path(folder_of_lane) / "complaints")
         equipment = Equipment(machine, Site(folder_of_lane), player, Packages(), program.read_bytes(), patience)
         for line in sys.stdin:
