@@ -206,6 +206,7 @@ class Site:
         self.unread = ""  # bodies of requests for this target are not taken off the line
         self.resets_in_body = Counter()  # by target
         self.silences = 0
+        self.ignored = False  # somebody who wanted to connect
         self.rate = 5_000_000  # bytes a second
         self.context = self.certificates["own"]
         self.mended = threading.Event()
@@ -252,6 +253,7 @@ class Site:
     def ignore(self):
         """From now on whoever wants to connect hears nothing: the system is silent to those who find the queue full."""
         self.refuse()
+        self.ignored = True
         for port in (80, 443):
             self.listeners.append(socket.create_server(("", port), backlog=0))
             filler = socket.socket()
@@ -363,7 +365,12 @@ class Site:
         more = 0
         for target in targets:
             reached = 0
-            for first, end in sorted(map(tuple, self.carried.get(target, []))):
+            stretches = sorted(map(tuple, self.carried.get(target, [])))
+            if self.ignored:
+                # Wine sends a request that was given up before there was a connection, once there is one. Of those for
+                # the same place the one that came furthest counts.
+                stretches = dict(stretches).items()
+            for first, end in stretches:
                 more += max(0, min(end, reached) - first)
                 reached = max(reached, end)
         return more
