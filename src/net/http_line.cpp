@@ -14,9 +14,9 @@ namespace {
 // How far the thread reads ahead of whoever stores the bytes.
 constexpr size_t kReadAhead = 64 * kHttpChunk;
 // On a fast line the one who stores is woken when so much has come, instead of for each chunk; on a slow one he looks
-// for himself so often.
+// for himself so often. What comes in between is lost when the process is killed.
 constexpr size_t kWorthWaking = kReadAhead / 2;
-constexpr uint64_t kLookMs = 20;
+constexpr uint64_t kLookMs = 10;
 
 constexpr DWORD kForgivingFlags = INTERNET_FLAG_IGNORE_CERT_CN_INVALID | INTERNET_FLAG_IGNORE_CERT_DATE_INVALID;
 constexpr DWORD kForgivenFaults = SECURITY_FLAG_IGNORE_REVOCATION | SECURITY_FLAG_IGNORE_UNKNOWN_CA |

@@ -1,5 +1,7 @@
 #include "fuzz/memory_file.h"
 
+#include <stdio_ext.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -47,5 +49,7 @@ void SetMemoryFile(const std::string& bytes) { content = bytes; }
 extern "C" FILE* __wrap_fopen64(const char* path, const char* mode) {  // NOLINT(bugprone-reserved-identifier)
   auto reader = std::make_unique<Reader>();
   if (std::strcmp(path, kMemoryFile) != 0) return nullptr;
-  return fopencookie(reader.release(), mode, {Read, nullptr, Seek, Close});
+  FILE* file = fopencookie(reader.release(), mode, {Read, nullptr, Seek, Close});
+  if (file) __fsetlocking(file, FSETLOCKING_BYCALLER);
+  return file;
 }

@@ -50,6 +50,7 @@ def follow(point):
 
     def updated(event):
         if event[0] == "exited":
+            point.note(f"ended with {event[1]}")
             expect_whole_program(point)
             find_successor(point)
             return False
