@@ -3,8 +3,8 @@
 //   set NAME FOLDER           stores a setting of the program
 //   start PROGRAM ARGUMENTS   starts it and attends it from now on: "ok"
 //   adopt PROGRAM             attends the one with this program file that has a window: "ok", or "none"
-//   watch MILLISECONDS        what can be seen, at once when it asks for a person, and after that time otherwise:
-//                               exited CODE | box CAPTION TEXT | ended finished|cancelled | PAGE
+//   watch MILLISECONDS        what asks for a person now, or else what can be seen after that time:
+//                               exited CODE AGO (milliseconds) | box CAPTION TEXT | ended finished|cancelled | PAGE
 //   answer yes|no|ok          presses a button of the box, and waits until the box is gone
 //   close                     asks the window to close: "ok", or "none" without a window
 //   log                       the lines of the log
@@ -108,13 +108,22 @@ std::wstring PageName(HWND window) {
 // The last thing that an installation does is to rename its button.
 bool HasEnded(HWND window) { return PageOf(window) == InstallPage && ShownText(BottomButton(window)) == L"Exit"; }
 
+uint64_t Number(FILETIME time) { return uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime; }
+
+// A window that is asked while its process ends answers when the time for that is up: the end may be a while ago.
+std::wstring Exited() {
+  DWORD code = 0;
+  GetExitCodeProcess(attended.process.Get(), &code);
+  FILETIME begin{}, end{}, kernel{}, user{}, now{};
+  GetProcessTimes(attended.process.Get(), &begin, &end, &kernel, &user);
+  GetSystemTimeAsFileTime(&now);
+  const uint64_t ago = (Number(now) - Number(end)) / 10'000;
+  return L"exited\t" + std::to_wstring(code) + L"\t" + std::to_wstring(ago);
+}
+
 // Empty while nothing asks for a person.
 std::wstring Event() {
-  if (WaitForSingleObject(attended.process.Get(), 0) != WAIT_TIMEOUT) {
-    DWORD code = 0;
-    GetExitCodeProcess(attended.process.Get(), &code);
-    return L"exited\t" + std::to_wstring(code);
-  }
+  if (WaitForSingleObject(attended.process.Get(), 0) != WAIT_TIMEOUT) return Exited();
   if (const InstallerBox box = OpenBox(); box.window) {
     return L"box\t" + OnOneLine(box.caption) + L"\t" + OnOneLine(box.text);
   }
@@ -124,9 +133,10 @@ std::wstring Event() {
 }
 
 std::wstring Watch(int milliseconds) {
-  std::wstring event;
-  WaitUntil([&event] { return !(event = Event()).empty(); }, std::chrono::milliseconds(milliseconds));
-  return event.empty() ? PageName(FindInstallerWindow(attended.id)) : event;
+  const std::wstring event = Event();
+  if (!event.empty()) return event;
+  Sleep(static_cast<DWORD>(milliseconds));  // each look asks Wine for every window there is
+  return PageName(FindInstallerWindow(attended.id));
 }
 
 std::wstring Answer(const std::wstring& word) {

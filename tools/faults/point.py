@@ -275,7 +275,7 @@ class Point:
                 self.player.step("answer", "no" if event[2].endswith("?") else "ok")
             if not asked:
                 asked = self.player.step("close")[0] == "ok"
-        seconds = time.monotonic() - begin
+        seconds = max(0.0, time.monotonic() - begin - int(event[2]) / 1000)
         self.note(f"closed after {seconds:.2f} s")
         self.result.closings.append(seconds)
         if seconds > CLOSE_LIMIT:
