@@ -45,6 +45,7 @@ if(WIN32)
   file(GLOB_RECURSE curl_sources ${curl_dir}/lib/*.c)
   add_foreign_library(curl ${curl_dir}/include ${curl_sources})
   target_include_directories(curl PRIVATE ${curl_dir}/lib)
+  set_target_properties(curl PROPERTIES UNITY_BUILD ON)  # hundreds of small sources
   # It takes time_t for 64 bits wide, which here it is only when it is asked for.
   target_compile_definitions(curl PUBLIC CURL_STATICLIB __MINGW_USE_VC2005_COMPAT
     PRIVATE BUILDING_LIBCURL HTTP_ONLY CURL_DISABLE_AWS USE_SCHANNEL USE_WINDOWS_SSPI)

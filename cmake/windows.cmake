@@ -104,13 +104,6 @@ set_project_options(bench_empty_window)
 target_link_options(bench_empty_window PRIVATE -municode)
 target_link_libraries(bench_empty_window PRIVATE comctl32)
 
-if(ZENDORA_LINT)
-  file(GLOB native_tests CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/native/*.cpp)
-  add_library(native_tests OBJECT ${native_tests})
-  set_project_options(native_tests)
-  target_link_libraries(native_tests PRIVATE zendora_text gtest)
-endif()
-
 # Every test has a machine of its own (see CMAKE_CROSSCOMPILING_EMULATOR), so that they can run side by side.
 gtest_discover_tests(windows_tests TEST_PREFIX in-process. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
   PROPERTIES LABELS in-process TIMEOUT 120)

@@ -34,7 +34,7 @@ check_cppcheck() {
 # Compiles both programs that ship once more, with clang-tidy, every warning, and without precompiled headers. The faults
 # of the tests show when they run.
 check_tidy() {
-  tools/build.sh lint ZendoraInstaller zendora-publish
+  tools/build.sh lint linted
 }
 
 check_shell() {
