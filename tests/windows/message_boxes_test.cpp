@@ -1,6 +1,5 @@
 #include "ui/message_boxes.h"
 
-#include "core/site.h"
 #include "net/error_text.h"
 #include "support/box_recorder.h"
 #include "support/shell_recorder.h"
@@ -23,10 +22,6 @@ std::wstring Told(DWORD error) { return L"Error: " + std::to_wstring(error) + L"
 }  // namespace
 
 TEST(MessageBoxes, HaveTheirCaptionsAndBelongToTheMainWindow) {
-  const std::wstring hint =
-      L"Please check your Internet connection\n\nIn some cases the Antivirus software can cause this problem. You may "
-      L"want to add the exception or allow Installer to use the Internet";
-  const std::wstring latest = L"Please download the latest version of this app from:\n";
   const std::wstring folder = L"C:\\Zendora tests\\gone", cannotCreate = L"Unable to create a directory:\n" + folder;
   const struct {
     std::function<void()> show;
@@ -36,22 +31,14 @@ TEST(MessageBoxes, HaveTheirCaptionsAndBelongToTheMainWindow) {
     size_t starts = 0;  // the page, the repair of permissions, the program itself
     DWORD creationError = ERROR_SUCCESS;
   } cases[] = {
-      {[] { ShowManifestError(ERROR_ACCESS_DENIED); }, L"Manifest",
-       Told(ERROR_ACCESS_DENIED) + L"Unable to download packages list\n\n" + hint, MB_OK | MB_ICONERROR},
-      {ShowConnectionHint, L"Error", hint, MB_OK | MB_ICONERROR},
-      {ShowCorruptDiskMessage, L"Error",
-       L"It looks like the file or disk is corrupt. There might be a problem with your drive. If you continue to see "
-       L"this message then try to reboot PC",
-       MB_OK | MB_ICONERROR},
       {[] { EXPECT_EQ(EnsureTempFolder(), TempFolder::Missing); }, L"Error",
        Told(ERROR_ACCESS_DENIED) + cannotCreate + L"\n\nFix permissions?", MB_YESNO | MB_ICONERROR, 1,
        ERROR_ACCESS_DENIED},
       {[] { EXPECT_EQ(EnsureTempFolder(), TempFolder::Missing); }, L"Error", Told(ERROR_DISK_FULL) + cannotCreate,
        MB_OK | MB_ICONERROR, 0, ERROR_DISK_FULL},
-      {[] { PromptDownloadLatest(L"", 0); }, L"Update", latest + DownloadPageAddress() + L"\n\nOpen?",
-       MB_YESNO | MB_ICONQUESTION, 1},
       {[] { PromptDownloadLatest(L"http://help", ERROR_CRC); }, L"Update",
-       Told(ERROR_CRC) + latest + L"http://help\n\nOpen?", MB_YESNO | MB_ICONQUESTION, 1},
+       Told(ERROR_CRC) + L"Please download the latest version of this app from:\nhttp://help\n\nOpen?",
+       MB_YESNO | MB_ICONQUESTION, 1},
       {[] { EXPECT_FALSE(RunProcess(true, true, L"setup.exe", L"a b")); }, L"Action is required",
        Told(ERROR_CANCELLED) + L"File: setup.exe\n\nPlease start Zendora Installer with Administrator privileges",
        MB_ICONEXCLAMATION, 1},
