@@ -4,26 +4,14 @@
 
 namespace {
 
-constexpr wchar_t kDesktopKey[] = L"Control Panel\\Desktop";
-constexpr wchar_t kDpiValue[] = L"LogPixels";
-
-class Desktop : public InstallerTest {
- protected:
-  // What programs that start from now on take for the scale of the screen.
-  static void SetScreenDpi(DWORD dpi) {
-    RegSetKeyValueW(HKEY_CURRENT_USER, kDesktopKey, kDpiValue, REG_DWORD, &dpi, sizeof dpi);
-  }
-  void TearDown() override {
-    RegDeleteKeyValueW(HKEY_CURRENT_USER, kDesktopKey, kDpiValue);
-    InstallerTest::TearDown();
-  }
-};
+using Desktop = InstallerTest;
 
 TEST_F(Desktop, TheWindowIsMadeForTheScaleOfTheScreen) {
   Offer({{.filename = "a.dat", .content = "a"}});
   SIZE unscaled{};
-  for (const int dpi : {96, 144}) {
-    SetScreenDpi(static_cast<DWORD>(dpi));
+  for (const int dpi : {96, 144, 96}) {
+    // What programs that start from now on take for the scale.
+    RegSetKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", REG_DWORD, &dpi, sizeof dpi);
     Start();
     AwaitList();
     RECT client{};
@@ -60,7 +48,7 @@ TEST_F(Desktop, AnInstallationNeedsNoMouse) {
   PressKey(focus(), VK_RETURN);
   ExpectEnd();
   ExpectContent(TargetPath(L"N\\b.dat"), second.content);
-  EXPECT_TRUE(server_->RequestsOf(FilePath(first)).empty());
+  EXPECT_TRUE(server_.RequestsOf(FilePath(first)).empty());
   ASSERT_TRUE(WaitUntil([&] { return ShownText(focus()) == L"Exit"; }));
   PressKey(focus(), VK_SPACE);
   ExpectExit();
@@ -78,11 +66,11 @@ TEST_F(Desktop, ASecondInstanceHandsItsCommandLineToTheFirst) {
   PressInstall();
   ExpectEnd();
   ExpectContent(TargetPath(L"N\\b.dat"), second.content);
-  EXPECT_TRUE(server_->RequestsOf(FilePath(first)).empty());
+  EXPECT_TRUE(server_.RequestsOf(FilePath(first)).empty());
   EXPECT_EQ(ReportTypes(), (std::vector<std::string>{"install_start", "install_finish"}));
   const std::string userAgent = std::string("Zendora Installer/") + kProductVersion + " (Windows NT ";
-  for (const RecordedRequest& request : server_->Requests()) {
-    EXPECT_TRUE(request.headers.at("user-agent").starts_with(userAgent)) << request.target;
+  for (const RecordedRequest& request : server_.Requests()) {
+    EXPECT_TRUE(request.headers.at("User-Agent").starts_with(userAgent)) << request.target;
   }
 }
 

@@ -38,26 +38,16 @@ InstallerProcess::InstallerProcess(DWORD id) : process_(OpenProcess(PROCESS_ALL_
 }
 
 InstallerProcess::~InstallerProcess() {
-  if (Runs()) Kill();
-}
-
-bool InstallerProcess::Runs() const { return process_ && WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT; }
-
-std::wstring InstallerProcess::File() const {
-  wchar_t path[MAX_PATH] = L"";
-  DWORD length = MAX_PATH;
-  QueryFullProcessImageNameW(process_.Get(), 0, path, &length);
-  return path;
-}
-
-void InstallerProcess::Kill() {
+  if (!Runs()) return;
   TerminateProcess(process_.Get(), 77);
   WaitForSingleObject(process_.Get(), 10'000);
 }
 
-std::optional<DWORD> InstallerProcess::WaitForExit(std::chrono::milliseconds limit) const {
+bool InstallerProcess::Runs() const { return process_ && WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT; }
+
+std::optional<DWORD> InstallerProcess::WaitForExit() const {
   DWORD code = 0;
-  if (!process_ || WaitForSingleObject(process_.Get(), static_cast<DWORD>(limit.count())) != WAIT_OBJECT_0) return {};
+  if (!process_ || WaitForSingleObject(process_.Get(), 20'000) != WAIT_OBJECT_0) return {};
   if (!GetExitCodeProcess(process_.Get(), &code)) return {};
   return code;
 }

@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <chrono>
 #include <optional>
 #include <string>
 
@@ -27,13 +26,9 @@ class InstallerProcess {
   static std::wstring ImpatientProgramPath();
 
   DWORD Id() const { return id_; }
-  // Its program file.
-  std::wstring File() const;
   bool Runs() const;
-  // Ends it by force, as a power cut would.
-  void Kill();
-  // Its exit code; nothing when it still runs after the limit.
-  std::optional<DWORD> WaitForExit(std::chrono::milliseconds limit = std::chrono::seconds(20)) const;
+  // Its exit code; nothing when it still runs after twenty seconds.
+  std::optional<DWORD> WaitForExit() const;
 
  private:
   KernelHandle process_;

@@ -16,13 +16,15 @@ std::string Element(const std::string& name, const std::string& value) {
 std::string PackageXml(const TestPackage& package) {
   std::string xml = "<package><title>" + package.filename + "</title>";
   xml += Element("name", package.name) + Element("filename", package.filename);
-  xml += Element("filetype", package.filetype) + Element("password", package.password);
-  xml += Element("default", package.isDefault ? "true" : "false");
-  xml += Element("md5", package.md5 ? *package.md5 : Md5Of(package.content));
-  xml += Element("size", std::to_string(package.content.size()));
-  xml += Element("upsize", std::to_string(package.upsize.value_or(package.content.size())));
+  xml += Element("default", package.isDefault ? "true" : "false") + Element("md5", Md5Of(package.content));
+  for (const char* size : {"size", "upsize"}) xml += Element(size, std::to_string(package.content.size()));
   return xml + "<sources><source key=\"main\" url=\"http://zendora.example/packages/" + package.filename +
          "\"/></sources></package>";
+}
+
+void SetFolder(const wchar_t* setting, const std::wstring& path) {
+  RegSetKeyValueW(HKEY_CURRENT_USER, kSettingsKey, setting, REG_SZ, path.c_str(),
+                  static_cast<DWORD>((path.size() + 1) * sizeof(wchar_t)));
 }
 
 }  // namespace
@@ -33,13 +35,8 @@ std::string Md5Of(const std::string& content) {
   return ComputeFileMd5(folder / L"content", nullptr);
 }
 
-void InstallerTest::StartServer() {
-  server_ = std::make_unique<ScriptedServer>();
-  server_->Answer(kTelemetryPath, {});
-}
-
 void InstallerTest::SetUp() {
-  StartServer();
+  server_.Answer(kTelemetryPath, {});
   RegDeleteTreeW(HKEY_CURRENT_USER, kSettingsKey);
   SetFolder(L"LastInstallPath", games_.Path());
   SetFolder(L"LastTmpPath", downloads_.Path());
@@ -51,21 +48,15 @@ void InstallerTest::TearDown() {
   RegDeleteTreeW(HKEY_CURRENT_USER, kSettingsKey);
 }
 
-std::string InstallerTest::ZipOf(const std::vector<TestEntry>& entries) {
-  const TempFolder folder;
-  BuildZip(folder / L"archive.zip", entries);
-  return ReadTestFile(folder / L"archive.zip");
-}
-
 void InstallerTest::Offer(const std::vector<TestPackage>& packages) {
   std::string xml =
       "<downloader><sources default=\"main\"><source key=\"main\" title=\"Main\"/>"
       "<source key=\"other\" title=\"Other\"/></sources><packages>";
   for (const TestPackage& package : packages) {
     xml += PackageXml(package);
-    server_->Answer(FilePath(package), {.body = package.content});
+    server_.Answer(FilePath(package), {.body = package.content});
   }
-  server_->Answer(kRepositoryPath, {.body = xml + "</packages></downloader>"});
+  server_.Answer(kRepositoryPath, {.body = xml + "</packages></downloader>"});
 }
 
 void InstallerTest::Start(const std::wstring& commandLine, const std::wstring& program) {
@@ -93,31 +84,23 @@ void InstallerTest::PressInstall() {
   Press(BottomButton(Window()));
 }
 
-void InstallerTest::ExpectPage(Page page) {
-  EXPECT_TRUE(WaitUntil([&] { return PageOf(Window()) == page; })) << "page " << PageOf(Window()) << " is shown";
-}
-
-void InstallerTest::ExpectLog(const std::wstring& line) {
-  if (WaitUntil([&] { return LogHas(Window(), line); })) return;
-  ADD_FAILURE() << "the log has no line " << testing::PrintToString(line) << ", but "
-                << testing::PrintToString(LogLines(Window()))
-                << "; box: " << testing::PrintToString(FindBox(process_->Id()).text);
-}
-
 void InstallerTest::ExpectEnd() {
-  ExpectLog(L"Installation finished");
-  EXPECT_TRUE(WaitUntil([this] { return ShownText(BottomButton(Window())) == L"Exit"; }));
+  const auto ended = [this] {
+    return LogHas(Window(), L"Installation finished") && ShownText(BottomButton(Window())) == L"Exit";
+  };
+  EXPECT_TRUE(WaitUntil(ended)) << "log: " << testing::PrintToString(LogLines(Window()))
+                                << "; box: " << testing::PrintToString(FindBox(process_->Id()).text);
 }
 
-InstallerBox InstallerTest::ExpectBox(const std::wstring& part, std::chrono::milliseconds limit) {
+InstallerBox InstallerTest::ExpectBox(const std::wstring& part) {
   InstallerBox box;
   const auto appeared = [&] {
     box = FindBox(process_->Id());
     return box.window && box.text.find(part) != std::wstring::npos;
   };
-  EXPECT_TRUE(WaitUntil(appeared, limit))
-      << "no message box says " << testing::PrintToString(part) << ", but " << testing::PrintToString(box.text)
-      << "; log: " << testing::PrintToString(LogLines(Window()));
+  EXPECT_TRUE(WaitUntil(appeared)) << "no message box says " << testing::PrintToString(part) << ", but "
+                                   << testing::PrintToString(box.text)
+                                   << "; log: " << testing::PrintToString(LogLines(Window()));
   return box;
 }
 
@@ -135,16 +118,11 @@ void InstallerTest::ExpectContent(const std::wstring& path, const std::string& c
 
 std::vector<std::string> InstallerTest::ReportTypes() const {
   std::vector<std::string> types;
-  for (const RecordedRequest& report : server_->RequestsOf(kTelemetryPath)) {
+  for (const RecordedRequest& report : server_.RequestsOf(kTelemetryPath)) {
     const size_t start = report.body.find("&type=") + 6;
     types.push_back(report.body.substr(start, report.body.find_first_of("&\r", start) - start));
   }
   return types;
-}
-
-void InstallerTest::SetFolder(const wchar_t* setting, const std::wstring& path) {
-  RegSetKeyValueW(HKEY_CURRENT_USER, kSettingsKey, setting, REG_SZ, path.c_str(),
-                  static_cast<DWORD>((path.size() + 1) * sizeof(wchar_t)));
 }
 
 void InstallerTest::SetNumber(const wchar_t* setting, DWORD value) {

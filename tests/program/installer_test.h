@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,15 +14,11 @@
 #include "support/temp_folder.h"
 #include "support/zip_builder.h"
 
-inline constexpr char kZipType[] = "application/x-zip-compressed";
-
-// A package as the manifest describes it. What is left empty is left out of the manifest.
+// A plain file as the manifest describes it.
 struct TestPackage {
   std::string filename;
-  std::string content;  // the file itself
-  std::string name = "", filetype = "", password = "";
-  std::optional<uint64_t> upsize = {};  // that of the content, unless given
-  std::optional<std::string> md5 = {};  // likewise
+  std::string content;    // the file itself
+  std::string name = "";  // may be left out
   bool isDefault = true;
 };
 
@@ -34,12 +29,6 @@ class InstallerTest : public testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
-
-  // Brings the site up; at the beginning it is.
-  void StartServer();
-
-  // The bytes of an archive of these entries.
-  std::string ZipOf(const std::vector<TestEntry>& entries);
 
   // Publishes packages: the manifest, and each file at http://zendora.example/packages/<filename>.
   void Offer(const std::vector<TestPackage>& packages);
@@ -58,11 +47,9 @@ class InstallerTest : public testing::Test {
   void Close() { PostMessageW(Window(), WM_CLOSE, 0, 0); }
 
   // Each waits, and fails the test when what it waits for doesn't happen.
-  void ExpectPage(Page page);
-  void ExpectLog(const std::wstring& line);
   void ExpectEnd();
   // A box or dialog whose text has this part.
-  InstallerBox ExpectBox(const std::wstring& part = L"", std::chrono::milliseconds limit = std::chrono::seconds(20));
+  InstallerBox ExpectBox(const std::wstring& part = L"");
   void ExpectExit();
 
   static void ExpectContent(const std::wstring& path, const std::string& content);
@@ -72,12 +59,11 @@ class InstallerTest : public testing::Test {
 
   std::wstring TempPath(std::wstring_view name) const { return downloads_ / name; }
   std::wstring TargetPath(std::wstring_view name) const { return games_ / name; }
-  // Puts packages or targets elsewhere; before Start.
-  static void SetFolder(const wchar_t* setting, const std::wstring& path);
+  // Before Start.
   static void SetNumber(const wchar_t* setting, DWORD value);
   static bool HasSetting(const wchar_t* setting);
 
-  std::unique_ptr<ScriptedServer> server_;
+  ScriptedServer server_;
   TempFolder games_, downloads_;
 
  private:

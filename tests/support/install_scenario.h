@@ -35,12 +35,7 @@ class InstallScenario : public testing::Test {
     server_.Answer("/fox", Serving(kFox));
   }
 
-  static ScriptedAnswer Serving(const std::string& body, int status = 200) {
-    ScriptedAnswer answer;
-    answer.body = body;
-    answer.status = status;
-    return answer;
-  }
+  static ScriptedAnswer Serving(const std::string& body, int status = 200) { return {.status = status, .body = body}; }
 
   const TempFolder folder_;
   const std::wstring file_ = folder_ / L"tmp\\fox", target_ = folder_ / L"games\\Fox";

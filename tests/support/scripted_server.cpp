@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <winsock2.h>
-#include <zlib.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <cstdlib>
 #include <deque>
 #include <mutex>
@@ -49,13 +49,6 @@ Socket Listen() {
   return listener;
 }
 
-std::string LowerCase(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
-
 // `raw` ends with the empty line.
 RecordedRequest ParseRequest(const std::string& raw) {
   RecordedRequest request;
@@ -67,29 +60,12 @@ RecordedRequest ParseRequest(const std::string& raw) {
   for (size_t end; (end = raw.find("\r\n", line)) != line; line = end + 2) {
     const size_t colon = raw.find(':', line);
     const size_t value = raw.find_first_not_of(' ', colon + 1);
-    request.headers[LowerCase(raw.substr(line, colon - line))] = raw.substr(value, end - value);
+    request.headers[raw.substr(line, colon - line)] = raw.substr(value, end - value);
   }
   return request;
 }
 
 std::string PathOf(const RecordedRequest& request) { return request.target.substr(0, request.target.find('?')); }
-
-// As gzip packs them.
-std::string Packed(const std::string& bytes) {
-  constexpr int kGzipWindow = MAX_WBITS + 16;
-  z_stream stream = {};
-  deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindow, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY);
-  std::string packed(deflateBound(&stream, static_cast<uLong>(bytes.size())), '\0');
-  std::string source = bytes;  // the library takes no constant bytes
-  stream.next_in = reinterpret_cast<Bytef*>(source.data());
-  stream.avail_in = static_cast<uInt>(source.size());
-  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-  stream.avail_out = static_cast<uInt>(packed.size());
-  EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
-  packed.resize(stream.total_out);
-  deflateEnd(&stream);
-  return packed;
-}
 
 // What is sent for one request: the answer's head, and the part of its body that the request asks for.
 struct Response {
@@ -101,11 +77,9 @@ Response BuildResponse(const RecordedRequest& request, const ScriptedAnswer& ans
   Response response{"", answer.body};
   int status = answer.status;
   std::string range_header;
-  const auto range = request.headers.find("range");
-  if (answer.rangeFrom || (status == 200 && answer.honourRange && range != request.headers.end())) {
-    const uint64_t start = answer.rangeFrom
-                               ? *answer.rangeFrom
-                               : std::strtoull(range->second.c_str() + std::string_view("bytes=").size(), nullptr, 10);
+  const auto range = request.headers.find("Range");
+  if (status == 200 && answer.honourRange && range != request.headers.end()) {
+    const uint64_t start = std::strtoull(range->second.c_str() + std::string_view("bytes=").size(), nullptr, 10);
     if (start < answer.body.size()) {
       status = 206;
       response.body.remove_prefix(static_cast<size_t>(start));
@@ -126,8 +100,8 @@ Response BuildResponse(const RecordedRequest& request, const ScriptedAnswer& ans
 }  // namespace
 
 struct ScriptedServer::State {
-  Socket listener;
-  std::atomic<bool> listening = false, stopping = false;
+  const Socket listener = Listen();
+  std::atomic<bool> stopping = false;
   std::thread acceptor;
   std::vector<std::thread> connections;  // of the acceptor, until it has ended
 
@@ -152,7 +126,7 @@ struct ScriptedServer::State {
 void ScriptedServer::State::Accept() {
   while (true) {
     Socket connection(accept(listener.Get(), nullptr, nullptr));
-    if (!listening) return;
+    if (stopping) return;
     if (!connection) continue;
     const DWORD receiveLimitMs = 50;  // after which a connection looks whether the server stops
     setsockopt(connection.Get(), SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&receiveLimitMs),
@@ -198,7 +172,7 @@ bool ScriptedServer::State::ReceiveRequest(SOCKET connection, RecordedRequest& r
   const size_t head_size = head_end + kHeadEnd.size();
   request = ParseRequest(bytes.substr(0, head_size));
   request.body = bytes.substr(head_size);
-  const auto length = request.headers.find("content-length");
+  const auto length = request.headers.find("Content-Length");
   const size_t expected = length == request.headers.end() ? 0 : std::strtoul(length->second.c_str(), nullptr, 10);
   while (request.body.size() < expected) {
     if (!Receive(connection, request.body)) return false;
@@ -228,9 +202,7 @@ ScriptedAnswer ScriptedServer::State::Record(const RecordedRequest& request) {
   }
   const auto answer = answers.find(path);
   if (answer != answers.end()) return answer->second;
-  ScriptedAnswer not_found;
-  not_found.status = 404;
-  return not_found;
+  return {.status = 404};
 }
 
 bool ScriptedServer::State::SendBody(SOCKET connection, std::string_view body, const ScriptedAnswer& answer) {
@@ -253,47 +225,33 @@ ScriptedServer::ScriptedServer() {
   WSADATA data;
   WSAStartup(MAKEWORD(2, 2), &data);
   state_ = new State;
-  ListenAgain();
+  state_->acceptor = std::thread([this] { state_->Accept(); });
 }
 
 ScriptedServer::~ScriptedServer() {
-  if (state_->listening) StopListening();
   {
     const std::lock_guard lock(state_->mutex);
     state_->stopping = true;
   }
   state_->changed.notify_all();
+  const sockaddr_in address = LoopbackAddress(80);
+  const Socket waker(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+  // Ends the acceptor's wait.
+  (void)connect(waker.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  state_->acceptor.join();
   for (std::thread& connection : state_->connections) connection.join();
   delete state_;
   WSACleanup();
 }
 
 void ScriptedServer::Answer(const std::string& path, ScriptedAnswer answer) {
-  if (answer.gzip) answer.body = Packed(answer.body);
   const std::lock_guard lock(state_->mutex);
   state_->answers[path] = std::move(answer);
 }
 
 void ScriptedServer::AnswerNext(const std::string& path, ScriptedAnswer answer) {
-  if (answer.gzip) answer.body = Packed(answer.body);
   const std::lock_guard lock(state_->mutex);
   state_->nextAnswers[path].push_back(std::move(answer));
-}
-
-void ScriptedServer::StopListening() {
-  state_->listening = false;
-  const sockaddr_in address = LoopbackAddress(80);
-  const Socket waker(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
-  // Ends the acceptor's wait, for which the network must be there.
-  (void)connect(waker.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
-  state_->acceptor.join();
-  state_->listener.Reset();
-}
-
-void ScriptedServer::ListenAgain() {
-  state_->listener = Listen();
-  state_->listening = true;
-  state_->acceptor = std::thread([this] { state_->Accept(); });
 }
 
 void ScriptedServer::Resume() {

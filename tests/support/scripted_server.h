@@ -2,7 +2,6 @@
 // sent, byte for byte. Through the TLS proxy of the test set-up it also answers for port 443.
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -11,20 +10,19 @@
 struct ScriptedAnswer {
   int status = 200;
   std::string body = {};
-  bool honourRange = true;                 // answer 206 with the rest of the body to a range request that it covers
-  bool announceLength = true;              // send Content-Length
-  bool page = false;                       // send Content-Type text/html
-  bool gzip = false;                       // pack the body, whatever the client takes
-  std::optional<size_t> closeAfter = {};   // close the connection after so many body bytes
-  bool closeWithoutAnswer = false;         // close it before the first byte
-  std::optional<uint64_t> rangeFrom = {};  // answer 206 with the body from here on, whatever was asked for
-  std::optional<size_t> stallAfter = {};   // wait for Resume() after so many body bytes
-  bool stallBeforeAnswer = false;          // likewise, before the first byte
+  bool honourRange = true;                // answer 206 with the rest of the body to a range request that it covers
+  bool announceLength = true;             // send Content-Length
+  bool page = false;                      // send Content-Type text/html
+  bool gzip = false;                      // send Content-Encoding: gzip
+  std::optional<size_t> closeAfter = {};  // close the connection after so many body bytes
+  bool closeWithoutAnswer = false;        // close it before the first byte
+  std::optional<size_t> stallAfter = {};  // wait for Resume() after so many body bytes
+  bool stallBeforeAnswer = false;         // likewise, before the first byte
 };
 
 struct RecordedRequest {
   std::string method, target;                  // target: path and query
-  std::map<std::string, std::string> headers;  // by lower-case name
+  std::map<std::string, std::string> headers;  // by name
   std::string body;
 };
 
@@ -39,11 +37,6 @@ class ScriptedServer {
   void Answer(const std::string& path, ScriptedAnswer answer);
   // What its next requests are answered, in order, before `Answer` applies.
   void AnswerNext(const std::string& path, ScriptedAnswer answer);
-
-  // From now on new connections are refused, as those to a machine that is gone, until ListenAgain; the existing ones
-  // go on.
-  void StopListening();
-  void ListenAgain();
 
   // Lets every stalled answer go on.
   void Resume();

@@ -13,8 +13,8 @@
 extern "C" decltype(&ShellExecuteExW) importedShellExecute __asm__("__imp__ShellExecuteExW@4");
 
 struct RecordedStart {
-  std::wstring verb, parameters, folder;  // empty where none was given
-  bool ownerLives = false;                // the window that a question would stand before is shown
+  std::wstring verb, file, parameters, folder;  // empty where none was given
+  bool ownerLives = false;                      // the window that a question would stand before is shown
   DWORD flags = 0;
 };
 
@@ -29,8 +29,8 @@ class ShellRecorder {
  private:
   static BOOL WINAPI Start(SHELLEXECUTEINFOW* info) {
     const auto given = [](const wchar_t* text) { return std::wstring(text ? text : L""); };
-    current_->starts_.push_back({given(info->lpVerb), given(info->lpParameters), given(info->lpDirectory),
-                                 IsWindowVisible(info->hwnd) != FALSE, info->fMask});
+    current_->starts_.push_back({given(info->lpVerb), given(info->lpFile), given(info->lpParameters),
+                                 given(info->lpDirectory), IsWindowVisible(info->hwnd) != FALSE, info->fMask});
     SetLastError(current_->error_);
     return current_->error_ == ERROR_SUCCESS;
   }

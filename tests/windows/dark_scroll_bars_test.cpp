@@ -15,19 +15,19 @@ struct Image {
   IMAGE_NT_HEADERS headers;
   IMAGE_DELAYLOAD_DESCRIPTOR libraries[3];
   char names[2][16];
-  IMAGE_THUNK_DATA otherNames[2], uxthemeNames[4];
-  DWORD_PTR otherSlots[2], uxthemeSlots[4];
+  IMAGE_THUNK_DATA imports[4];  // of either library
+  DWORD_PTR slots[2][4];
 };
 
 constexpr DWORD_PTR kUntouched = 0x1234;
 
-void Describe(Image& image, int library, const char* name, size_t names, size_t slots) {
+void Describe(Image& image, DWORD library, const char* name) {
   strcpy(image.names[library], name);
   IMAGE_DELAYLOAD_DESCRIPTOR& descriptor = image.libraries[library];
   descriptor.Attributes.AllAttributes = 1;  // its addresses are relative
-  descriptor.DllNameRVA = static_cast<DWORD>(offsetof(Image, names) + sizeof image.names[0] * size_t(library));
-  descriptor.ImportNameTableRVA = static_cast<DWORD>(names);
-  descriptor.ImportAddressTableRVA = static_cast<DWORD>(slots);
+  descriptor.DllNameRVA = offsetof(Image, names) + sizeof image.names[0] * library;
+  descriptor.ImportNameTableRVA = offsetof(Image, imports);
+  descriptor.ImportAddressTableRVA = offsetof(Image, slots) + sizeof image.slots[0] * library;
 }
 
 DWORD Protect(Image* image, DWORD protection) {
@@ -51,14 +51,12 @@ Image& MakeModule() {
   image.headers.OptionalHeader.NumberOfRvaAndSizes = IMAGE_NUMBEROF_DIRECTORY_ENTRIES;
   image.headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT].VirtualAddress =
       offsetof(Image, libraries);
-  Describe(image, 0, "other.dll", offsetof(Image, otherNames), offsetof(Image, otherSlots));
-  Describe(image, 1, "UxTheme.DLL", offsetof(Image, uxthemeNames), offsetof(Image, uxthemeSlots));
-  image.otherNames[0].u1.Ordinal = IMAGE_ORDINAL_FLAG | 49;
-  image.uxthemeNames[0].u1.AddressOfData = offsetof(Image, names);  // by name
-  image.uxthemeNames[1].u1.Ordinal = IMAGE_ORDINAL_FLAG | 47;
-  image.uxthemeNames[2].u1.Ordinal = IMAGE_ORDINAL_FLAG | 49;
-  std::ranges::fill(image.otherSlots, kUntouched);
-  std::ranges::fill(image.uxthemeSlots, kUntouched);
+  Describe(image, 0, "other.dll");
+  Describe(image, 1, "UxTheme.DLL");
+  image.imports[0].u1.AddressOfData = offsetof(Image, names);  // by name
+  image.imports[1].u1.Ordinal = IMAGE_ORDINAL_FLAG | 47;
+  image.imports[2].u1.Ordinal = IMAGE_ORDINAL_FLAG | 49;
+  for (auto& slots : image.slots) std::ranges::fill(slots, kUntouched);
   return image;
 }
 
@@ -76,13 +74,11 @@ TEST(DarkScrollBars, LeadsOneCallThroughOurs) {
   Image& image = MakeModule();
   Protect(&image, PAGE_READONLY);  // as the loader leaves a module
   ASSERT_TRUE(Darken(image));
-  for (const DWORD_PTR slot :
-       {image.otherSlots[0], image.uxthemeSlots[0], image.uxthemeSlots[1], image.uxthemeSlots[3]}) {
-    EXPECT_EQ(slot, kUntouched);
-  }
+  EXPECT_EQ(std::ranges::count(image.slots[0], kUntouched), 4);
+  EXPECT_EQ(std::ranges::count(image.slots[1], kUntouched), 3);
   EXPECT_EQ(Protect(&image, PAGE_READONLY), DWORD{PAGE_READONLY}) << "as it was";
 
-  const auto open = reinterpret_cast<decltype(&RecordOpening)>(image.uxthemeSlots[2]);
+  const auto open = reinterpret_cast<decltype(&RecordOpening)>(image.slots[1][2]);
   const HWND window = reinterpret_cast<HWND>(3);
   EXPECT_EQ(open(window, L"ScrollBar"), reinterpret_cast<HTHEME>(7));
   EXPECT_EQ(openedFor, nullptr);
@@ -97,24 +93,19 @@ TEST(DarkScrollBars, LeadsOneCallThroughOurs) {
 }
 
 TEST(DarkScrollBars, LeavesOtherModulesAlone) {
-  constexpr DWORD kOutside = sizeof(Image) - 1;
   const std::function<void(Image&)> faults[] = {
       [](Image& image) { image.dos.e_magic = 0; },
-      [](Image& image) { image.headers.Signature = 0; },
-      [](Image& image) { image.headers.OptionalHeader.NumberOfRvaAndSizes = IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT; },
       [](Image& image) { image.headers.OptionalHeader.DataDirectory[13].VirtualAddress = 0; },
       [](Image& image) { strcpy(image.names[1], "uxtheme.dl"); },
-      [](Image& image) { image.libraries[1].DllNameRVA = kOutside; },
       [](Image& image) { image.libraries[1].Attributes.AllAttributes = 0; },
-      [](Image& image) { image.libraries[1].ImportAddressTableRVA = kOutside; },
-      [](Image& image) { image.uxthemeNames[2].u1.Ordinal = IMAGE_ORDINAL_FLAG | 50; },
-      [](Image& image) { image.uxthemeNames[1].u1.Ordinal = 0; },  // the end of the table
+      [](Image& image) { image.libraries[1].ImportAddressTableRVA = sizeof(Image) - 1; },  // partly outside
+      [](Image& image) { image.imports[1].u1.Ordinal = 0; },                               // the end of the table
   };
   for (const auto& fault : faults) {
     Image& image = MakeModule();
     fault(image);
     EXPECT_FALSE(Darken(image)) << "fault " << &fault - faults;
-    EXPECT_EQ(image.uxthemeSlots[2], kUntouched);
+    EXPECT_EQ(image.slots[1][2], kUntouched);
   }
   EXPECT_FALSE(DarkenScrollBars(nullptr, RecordOpening));
 }

@@ -93,7 +93,7 @@ TEST_F(InstallationRunTest, TheFirstMismatchRefreshesTheManifestLaterOnesTryTheN
   const std::string record = "\r\npackage=one&source=main&code=200&error=mismatch&size=";
   EXPECT_TRUE(Reports().at(1).ends_with(record + "43&hash=" + kOtherMd5 + "&manifest=0" + record + "20&manifest=1"));
   EXPECT_EQ(server_.RequestsOf("/play/files/repository.php").size(), 1u);
-  EXPECT_EQ(server_.RequestsOf("/2").at(0).headers.at("range"), "bytes=20-");
+  EXPECT_EQ(server_.RequestsOf("/2").at(0).headers.at("Range"), "bytes=20-");
 }
 
 // "two" is newer than the manifest, which is fetched anew: it has another version of "one", proven by then, and

@@ -7,6 +7,7 @@
 #include "manifest/manifest_retrieval.h"
 #include "support/box_recorder.h"
 #include "support/install_scenario.h"
+#include "support/wininet_faults.h"
 
 using ManifestStore = InstallScenario;
 
@@ -41,15 +42,22 @@ TEST_F(ManifestStore, WhatWasFetchedIsCachedWithoutItsUpdater) {
 TEST_F(ManifestStore, ACacheOfTheLastHourSparesTheNetwork) {
   const BoxRecorder none({});
   Fetch(kPackage);
-  ScriptedAnswer packed = Serving("<downloader>" + kPackage + "</downloader>");
-  packed.gzip = true;
-  server_.Answer("/play/files/repository.php", packed);
+  server_.Answer("/play/files/repository.php", Serving("<downloader>" + kPackage + "</downloader>"));
   for (const auto& [ageSeconds, requests] : {std::pair(3590, 0u), {3610, 1u}, {0, 1u}, {-100, 2u}}) {
     using namespace std::filesystem;
     last_write_time(app.manifestPath, file_time_type::clock::now() - std::chrono::seconds(ageSeconds));
     ManifestThreadProc(nullptr);
     EXPECT_EQ(server_.Requests().size(), requests) << ageSeconds;
   }
+}
+
+TEST_F(ManifestStore, AnOutageIsToldOnceAndThenTheListComesByItself) {
+  const BoxRecorder boxes({IDOK});
+  const SendFaults faults({ERROR_INTERNET_CANNOT_CONNECT, ERROR_INTERNET_CANNOT_CONNECT});
+  server_.Answer("/play/files/repository.php", Serving("<downloader>" + kPackage + "</downloader>"));
+  ManifestThreadProc(nullptr);
+  EXPECT_TRUE(boxes.Boxes().at(0).text.starts_with(L"Error: 12029\n"));
+  EXPECT_EQ(CurrentManifest()->packageOrder.size(), 1u);
 }
 
 TEST_F(ManifestStore, UrlTellsTheRepositoryWhatApplies) {

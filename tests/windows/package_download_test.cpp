@@ -22,7 +22,7 @@ class PackageDownloadTest : public InstallScenario {
   std::string Requested() const {
     const auto requests = server_.Requests();
     if (requests.size() == requestsBefore_) return "nothing";
-    const auto range = requests.back().headers.find("range");
+    const auto range = requests.back().headers.find("Range");
     return range == requests.back().headers.end() ? "all" : range->second;
   }
 
@@ -110,6 +110,14 @@ TEST_F(PackageDownloadTest, TheUserIsToldWhyTheLastSourceFailed) {
     EXPECT_EQ(boxes.Boxes().at(0).text, L"There was an error during download\n\nPackage: The Fox\n\nError code: " +
                                             WidenBytes(error) + L"\n\nWould you like to try again?");
   }
+}
+
+TEST_F(PackageDownloadTest, RetriesAreToldWhereTheSpeedStood) {
+  transferStatus.currentFileBytes = 20;
+  transferStatus.lastTickBytes = 20;
+  transferStatus.retryCount = 28;
+  OnSpeedTimer(nullptr, 0, 0, 0);
+  EXPECT_EQ(TextOf(window_.Installation().packageDetailLabel), L"Bad Internet connection. Retrying.. (28)");
 }
 
 TEST_F(PackageDownloadTest, UnsafeNamesAreRefused) {

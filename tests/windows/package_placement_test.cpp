@@ -79,6 +79,17 @@ TEST_F(PackagePlacementTest, WhatIsSkippedOrSpoiltDoesNotCount) {
   EXPECT_FALSE(Place().ok);
 }
 
+TEST_F(PackagePlacementTest, WhatCantBeOpenedIsNotPlaced) {
+  Pack({{"data.bin", TestBytes(50'000), "right"}});
+  package_.password = "wrong";
+  EXPECT_FALSE(Place().ok);
+  EXPECT_EQ(window_.LogLines().at(0), L"[ERROR] Unable to open file (zip)");
+  WriteTestFile(file_, ReadTestFile(file_).substr(0, 20'000));
+  EXPECT_NE(Place().error, 0u);
+  EXPECT_EQ(window_.LogLines().back(), L"[ERROR] Unable to open zip file");
+  EXPECT_FALSE(PathExists(target_ + L"\\data.bin"));
+}
+
 TEST_F(PackagePlacementTest, FilesAreVerified) {
   WriteTestFile(file_, kFox);
   WriteTestFile(target_ + L"\\models\\gta3.img", "");

@@ -5,6 +5,7 @@
 
 #include <thread>
 
+#include "app/manifest_thread.h"
 #include "core/context.h"
 #include "support/replaced_import.h"
 #include "support/shell_recorder.h"
@@ -58,7 +59,34 @@ class SelfUpdate : public testing::Test {
 TEST_F(SelfUpdate, TheNewProgramLearnsThatItIsOne) {
   const std::vector<RecordedStart> starts = UpdateUntilTheWindowIsClosed();
   ASSERT_EQ(starts.size(), 1u);
+  EXPECT_EQ(starts[0].file, app.exePath);
   EXPECT_EQ(starts[0].parameters, L"updated");
+}
+
+TEST_F(SelfUpdate, WhatAnInterruptedOneLeftIsPutInOrder) {
+  app.tmpPath.Set(folder_.Path());
+  app.manifestPath = folder_ / L"manifest.xml";
+  WriteTestFile(app.manifestPath, "<downloader><packages><package/></packages></downloader>");
+  WriteTestFile(UpdateFilePath(), kNewProgram);
+
+  // Between its two renames: the old program is started by its other name.
+  const std::wstring program = folder_ / L"setup.exe";
+  app.exePath = program + L".backup";
+  WriteTestFile(app.exePath, "the old program");
+  RestoreReplacedProgram();
+  EXPECT_EQ(app.exePath, program);
+  EXPECT_EQ(ReadTestFile(program), "the old program");
+
+  // While the new program was copied.
+  WriteTestFile(NewProgramPath(), "The quick brown");
+  ManifestThreadProc(nullptr);
+  EXPECT_FALSE(PathExists(NewProgramPath()));
+
+  // Before that was started.
+  WriteTestFile(program, kNewProgram);
+  WriteTestFile(app.backupPath, "the old program");
+  ManifestThreadProc(nullptr);
+  EXPECT_FALSE(PathExists(app.backupPath));
 }
 
 // The replacement takes several steps, and a process that ended between them would leave it half done.

@@ -48,16 +48,4 @@ TEST(CommandLine, OnlyAnUpdatedProgramRemovesItsPredecessor) {
   }
 }
 
-TEST(Settings, SavedChoicesComeBack) {
-  app.uiLanguage = LANG_TURKISH;
-  app.deleteTmpFiles = true;
-  SaveLanguage();
-  SaveDeleteTmpFiles();
-  app.uiLanguage = LANG_ENGLISH;
-  app.deleteTmpFiles = false;
-  LoadSettings();
-  EXPECT_EQ(app.uiLanguage, uint32_t{LANG_TURKISH});
-  EXPECT_TRUE(app.deleteTmpFiles);
-}
-
 }  // namespace
