@@ -68,7 +68,7 @@ def follow(point):
 
 def find_successor(point):
     """The program has ended: in order to start the new one, or because it can't go on and has said so."""
-    deadline = time.monotonic() + (2 if point.warned else 30)  # nobody promises how fast Wine starts on a busy machine
+    deadline = time.monotonic() + (2 if point.warned else point.patience)
     while point.player.step("adopt", points.PROGRAM) != ["ok"]:
         if time.monotonic() > deadline:
             if not point.warned:
