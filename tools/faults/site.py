@@ -196,7 +196,7 @@ class Site:
         self.lines = set()
         self.threads = set()
         self.lock = threading.Lock()
-        self.faults, self.handshake_faults, self.unread = [], [], ""
+        self.faults, self.handshake_faults, self.unread, self.ignored = [], [], "", False
         self.clear()
 
     def clear(self):
